@@ -1,0 +1,36 @@
+#ifndef GENETRAIN_COMMON_FILEBUF_H
+#define GENETRAIN_COMMON_FILEBUF_H
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+namespace genetrain {
+
+// A whole file in one block of memory, followed by a zero byte so that parsers may scan it as
+// one text. The content may hold zero bytes of its own: View() gives the exact range.
+class FileBuf {
+ public:
+  // Loads the named file, replacing any earlier content. On failure prints its message on
+  // standard error, leaves the buffer empty and returns false.
+  bool Load(const char* name);
+
+  const char* Data() const { return data_.get(); }  // null while nothing is loaded
+  const char* End() const { return data_.get() + size_; }
+  std::size_t Size() const { return size_; }
+  std::string_view View() const { return {data_.get(), size_}; }
+
+ private:
+  bool Allocate(const char* name, std::size_t size);
+  bool ReadRegular(std::FILE* file, std::size_t size);
+  bool ReadStream(std::FILE* file);
+  void Clear();
+
+  std::unique_ptr<char[]> data_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace genetrain
+
+#endif

@@ -1,0 +1,47 @@
+#ifndef GENETRAIN_COMMON_REPORT_H
+#define GENETRAIN_COMMON_REPORT_H
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace genetrain {
+
+// A table of output entries, key -> (label, value), written as label, value and an end of line
+// per entry: in the order of the request list, or in key order when nothing was requested.
+class Report {
+ public:
+  void Set(std::string_view key, std::string_view label, std::string_view value);
+  void SetInt(std::string_view key, std::string_view label, std::int64_t value);
+  void Request(std::string_view key) { requests_.emplace_back(key); }
+  void ClearRequests() { requests_.clear(); }
+
+  // Checks that every requested key has an entry with a value; prints the first fault.
+  bool CheckRequests() const;
+
+  // Writes to the named file (truncated, or appended to with the append flag), or to standard
+  // output for an empty name. Fails only when the requests do not check; a file that cannot be
+  // opened loses the output silently.
+  bool Write(const std::string& name);
+  bool Write(const std::string& name, bool append);
+
+  // The text Write would produce, without checking the requests.
+  std::string Text() const;
+
+ private:
+  struct Entry {
+    std::string label;
+    std::string value;
+  };
+
+  std::vector<std::string> requests_;
+  bool append_ = false;
+  std::map<std::string, Entry, std::less<>> table_;
+};
+
+}  // namespace genetrain
+
+#endif

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Makes sure the build and test tools are present; installs Debian's packages when run as root.
+set -eu
+missing=()
+command -v cmake >/dev/null || missing+=(cmake)
+command -v g++ >/dev/null || missing+=(g++)
+[ -e /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
+[ ${#missing[@]} -eq 0 ] && exit 0
+if [ "$(id -u)" -ne 0 ]; then
+  echo "missing: ${missing[*]}; install them with: sudo apt-get install ${missing[*]}" >&2
+  exit 1
+fi
+echo "installing ${missing[*]}"
+apt-get update -qq
+DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
