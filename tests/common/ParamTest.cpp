@@ -94,14 +94,6 @@ TEST(ParamGrammar, LoneDoubleDashFailsWhenASeparatorFollows) {
   EXPECT_EQ(Value(atEnd, "--a"), "1");
 }
 
-TEST(ParamGrammar, TextMustBeginWithAKey) {
-  Param param;
-  CaptureStderr();
-  EXPECT_FALSE(ParseArgs(param, {"genome.fa", "--stat"}));
-  EXPECT_EQ(GetCapturedStderr(), "error in command line\n");
-  EXPECT_EQ(param.Size(), 0u);
-}
-
 TEST(ParamGrammar, EmptyOrSeparatorOnlyTextAddsNothing) {
   Param param;
   EXPECT_TRUE(param.ParseText("", "--", " \t"));
@@ -171,25 +163,6 @@ TEST(ParamFile, LineStructureHasNoMeaning) {
   EXPECT_EQ(param.ToText(), "--NAME E coli\n--ORDM 5\n--seq genome.fa\n");
 }
 
-TEST(ParamFile, CommentsAndBlankLinesOnlyAreValid) {
-  test::ScratchDir dir;
-  Param param;
-  EXPECT_TRUE(param.LoadFile(dir.Write("c.par", "# one\n\n   # two --seq x\n\t\n")));
-  EXPECT_TRUE(param.LoadFile(dir.Write("empty.par", "")));
-  EXPECT_EQ(param.Size(), 0u);
-}
-
-TEST(ParamFile, UnparsableFileNamesItself) {
-  test::ScratchDir dir;
-  const std::string path = dir.Write("bad.par", "genome.fa --stat\n");
-  Param param;
-  CaptureStderr();
-  EXPECT_FALSE(param.LoadFile(path));
-  EXPECT_FALSE(param.LoadFile(dir.Path("missing.par")));
-  EXPECT_EQ(GetCapturedStderr(), "error in format of file " + path + "\nerror: file <" +
-                                     dir.Path("missing.par") + "> is not found\n");
-}
-
 TEST(ParamFile, LoadClearsTheStoreAndKeepsHashes) {
   Param param;
   param.Set("--old", "1");
@@ -213,27 +186,6 @@ TEST_F(ParamInit, CommandLineWinsOverTheParameterFile) {
   EXPECT_EQ(Value(param, "--NAME"), "file");
   EXPECT_EQ(Value(param, "--seq"), "g.fa");
   EXPECT_EQ(Value(param, "--par"), path);  // the inner --par is overwritten, never read
-}
-
-TEST_F(ParamInit, ParValueMustBeOneWord) {
-  for (const std::string& name : {std::string(), std::string("a b.par")}) {
-    Param param;
-    CaptureStderr();
-    EXPECT_FALSE(InitArgs(param, {"--par", name}));
-    EXPECT_EQ(GetCapturedStderr(), BadValue("--par", name));
-  }
-}
-
-TEST_F(ParamInit, FailuresOfTheFileEndInit) {
-  const std::string bad = dir_.Write("bad.par", "--a x--y\n");
-  Param param;
-  CaptureStderr();
-  EXPECT_FALSE(InitArgs(param, {"--par", bad}));
-  EXPECT_FALSE(InitArgs(param, {"--par", dir_.Path("none.par")}));
-  EXPECT_FALSE(InitArgs(param, {"x", "--par", bad}));
-  EXPECT_EQ(GetCapturedStderr(), "error in format of file " + bad + "\nerror: file <" +
-                                     dir_.Path("none.par") +
-                                     "> is not found\nerror in command line\n");
 }
 
 TEST_F(ParamInit, StartsFromAnEmptyStore) {
