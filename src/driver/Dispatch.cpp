@@ -3,37 +3,46 @@
 #include <array>
 
 #include "common/Message.h"
+#include "seq/MSSeq.h"
+#include "seq/SSeq.h"
 
 namespace genetrain {
 
 namespace {
 
+// Builds the command's working object, runs its handler on it and destroys it.
+template <typename Object, bool (Object::*Handler)(Param&)>
+bool Run(Param& param) {
+  Object object;
+  return (object.*Handler)(param);
+}
+
 // Test order decides between two command keys given together (--stat with --gc runs --gc), so
 // this order is part of the interface.
 constexpr std::array<Command, 23> kCommands = {{
-    {"--clean_fasta", nullptr},
-    {"--stat_fasta", nullptr},
-    {"--clean_join", nullptr},
-    {"--gc", nullptr},
-    {"--stat", nullptr},
-    {"--clean", nullptr},
-    {"--split", nullptr},
+    {"--clean_fasta", Run<MSSeq, &MSSeq::CleanFasta>},
+    {"--stat_fasta", Run<MSSeq, &MSSeq::StatFasta>},
+    {"--clean_join", Run<SSeq, &SSeq::CleanJoin>},
+    {"--gc", Run<SSeq, &SSeq::Gc>},
+    {"--stat", Run<SSeq, &SSeq::Stat>},
+    {"--clean", Run<SSeq, &SSeq::Clean>},
+    {"--split", Run<SSeq, &SSeq::Split>},
     {"--parse", nullptr},
     {"--intergenic", nullptr},
     {"--mkchain", nullptr},
     {"--mkmod", nullptr},
-    {"--CLEAN_CODING", nullptr},
+    {"--CLEAN_CODING", Run<MSSeq, &MSSeq::CleanCoding>},
     {"--compare", nullptr},
     {"--pre_start", nullptr},
     {"--gibbs", nullptr},
-    {"--mask", nullptr},
+    {"--mask", Run<SSeq, &SSeq::Mask>},
     {"--combine", nullptr},
     {"--STAT_NON_VS_ALL", nullptr},
     {"--ORF_PER_SEQ", nullptr},
     {"--orf", nullptr},
     {"--GENE_SET_STAT", nullptr},
-    {"--count_substring_n", nullptr},
-    {"--count_substring_atcg", nullptr},
+    {"--count_substring_n", Run<MSSeq, &MSSeq::CountSubstringN>},
+    {"--count_substring_atcg", Run<MSSeq, &MSSeq::CountSubstringAtcg>},
 }};
 
 }  // namespace

@@ -1,0 +1,54 @@
+#include "seq/LetterTables.h"
+
+namespace genetrain {
+
+namespace {
+
+constexpr bool IsLetter(int byte) {
+  return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+}
+
+constexpr LetterTable MakeLetterTable(bool keepCase) {
+  LetterTable table{};
+  for (int byte = 0; byte < 256; ++byte) {
+    if (IsLetter(byte)) table[byte] = 'N';
+  }
+  for (char letter : {'A', 'C', 'G', 'T'}) {
+    const char lower = static_cast<char>(letter - 'A' + 'a');
+    table[static_cast<unsigned char>(letter)] = letter;
+    table[static_cast<unsigned char>(lower)] = keepCase ? lower : letter;
+  }
+  table['U'] = 'T';
+  table['u'] = keepCase ? 't' : 'T';
+  return table;
+}
+
+constexpr CodeTable MakeCodeTable() {
+  CodeTable table{};
+  for (int byte = 0; byte < 256; ++byte)
+    table[byte] = IsLetter(byte) ? std::uint8_t{kOther} : kDropped;
+  for (const auto& [upper, code] : {std::pair{'A', kA}, std::pair{'C', kC}, std::pair{'G', kG},
+                                    std::pair{'T', kT}, std::pair{'U', kT}}) {
+    table[static_cast<unsigned char>(upper)] = code;
+    table[static_cast<unsigned char>(upper - 'A' + 'a')] = code;
+  }
+  return table;
+}
+
+constexpr LetterTable kUpper = MakeLetterTable(false);
+constexpr LetterTable kCasePreserving = MakeLetterTable(true);
+constexpr CodeTable kCodes = MakeCodeTable();
+
+}  // namespace
+
+const LetterTable& UpperLetterTable() {
+  return kUpper;
+}
+const LetterTable& CasePreservingLetterTable() {
+  return kCasePreserving;
+}
+const CodeTable& BaseCodeTable() {
+  return kCodes;
+}
+
+}  // namespace genetrain

@@ -1,0 +1,43 @@
+#ifndef GENETRAIN_SEQ_MSSEQ_H
+#define GENETRAIN_SEQ_MSSEQ_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/Param.h"
+#include "common/Report.h"
+#include "seq/SeqRecord.h"
+
+namespace genetrain {
+
+// FASTA records in the case-keeping view (A, C, G, T, a, c, g, t, N), and the record utilities.
+class MSSeq : public Report {
+ public:
+  MSSeq() = default;
+
+  bool ReadFasta(const std::string& name);
+  const std::vector<SeqRecord>& Records() const { return records_; }
+
+  // Record utilities (--clean_fasta, --stat_fasta, --count_substring_n, --count_substring_atcg,
+  // --CLEAN_CODING).
+  bool CleanFasta(Param& param);
+  bool StatFasta(Param& param);
+  bool CountSubstringN(Param& param);
+  bool CountSubstringAtcg(Param& param);
+  bool CleanCoding(Param& param);
+
+  // "TAA|", "TGA|", "TAG|" for each of --TAA_, --TGA_, --TAG_ that is true, in this order.
+  static std::string StopList(Param& param);
+  bool IsCleanCoding(std::string_view sequence, std::uint32_t left, std::uint32_t right) const;
+  bool HasNoStop(std::string_view range) const;
+
+ private:
+  std::vector<SeqRecord> records_;
+  std::string stops_;
+};
+
+}  // namespace genetrain
+
+#endif

@@ -1,0 +1,80 @@
+#ifndef GENETRAIN_SEQ_SSEQ_H
+#define GENETRAIN_SEQ_SSEQ_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/Param.h"
+#include "common/Report.h"
+#include "seq/SeqRecord.h"
+
+namespace genetrain {
+
+// FASTA records in the single-case view (A, C, G, T, N only), and the commands that measure,
+// clean, join, mask and split them. Also the result table of those commands.
+class SSeq : public Report {
+ public:
+  // Letter counts in the order A, C, G, T, N.
+  struct Tally {
+    std::uint64_t a = 0, c = 0, g = 0, t = 0, n = 0;
+    std::uint64_t Unambiguous() const { return a + c + g + t; }
+    std::uint64_t All() const { return a + c + g + t + n; }
+    void Add(const Tally& other);
+  };
+  // A [begin, end) range of character positions of a joined text.
+  struct Range {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+  };
+
+  SSeq() = default;
+
+  bool ReadFasta(const std::string& name);
+  const std::vector<SeqRecord>& Records() const { return records_; }
+  std::vector<SeqRecord>& Records() { return records_; }
+  // The case-keeping table for --soft; call before ReadFasta.
+  void KeepCase() { table_ = &CasePreservingLetterTable(); }
+
+  // Appends the text cut into lines of at most `width` letters, each with its end of line; width
+  // 0 puts the whole text on one line; an empty text appends nothing.
+  static void WriteLines(std::string_view text, std::uint32_t width, std::string& out);
+  // Adds one to the counter of every byte of the range.
+  static void CountLetters(std::string_view range, LetterCounts& counts);
+  // (G + C) * 100 / (A + C + G + T) over the capital letters' counters; 0 without any of them.
+  static double GcPercent(const LetterCounts& counts);
+  // Counters of raw bytes folded as the single-case view reads them: a to A, U and u to T, every
+  // other letter to N; non-letters to nothing.
+  static LetterCounts FoldCounts(const LetterCounts& raw);
+
+  // Statistics (--stat, --gc).
+  bool Stat(Param& param);
+  bool Gc(Param& param);
+
+  // Cleaning, joining and masking (--clean_join, --clean, --mask).
+  bool CleanJoin(Param& param);
+  bool Clean(Param& param);
+  bool Mask(Param& param);
+  std::size_t JoinRecords(std::string& out, std::string_view filler, std::int32_t minimum,
+                          Tally& all, Tally& kept) const;
+  std::size_t JoinRecordsMarked(std::string& out, std::string_view filler, std::int32_t minimum,
+                                Tally& all, Tally& kept, std::vector<Range>& ranges) const;
+  static void TrimNRuns(std::string& text, std::int32_t maximum);
+  static void ReplaceNRuns(std::string& text, std::vector<Range>& ranges, std::string_view left,
+                           std::string_view right);
+
+  // Splitting (--split).
+  bool Split(Param& param);
+  static std::vector<SeqRecord> SplitAtN(const SeqRecord& record, std::int32_t maxRun,
+                                         std::int32_t margin);
+  static std::string MakeName(std::string_view first, std::string_view second, std::int64_t number);
+
+ private:
+  std::vector<SeqRecord> records_;
+  const LetterTable* table_ = &UpperLetterTable();
+};
+
+}  // namespace genetrain
+
+#endif

@@ -1,0 +1,31 @@
+#ifndef GENETRAIN_SEQ_SEQRECORD_H
+#define GENETRAIN_SEQ_SEQRECORD_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "seq/LetterTables.h"
+
+namespace genetrain {
+
+// A FASTA record in memory: the header line with its ">" (a carriage return before the line
+// feed stays in it; empty for text before the first header) and the normalised letters.
+struct SeqRecord {
+  std::string label;
+  std::string sequence;
+};
+
+// Reads a FASTA file through a letter table and appends its records. Only loading can fail; its
+// message is printed by the loader.
+bool ReadFastaRecords(const std::string& name, const LetterTable& table,
+                      std::vector<SeqRecord>& records);
+
+// One counter per byte value. Counts are 64-bit so that files beyond 2^31 letters count right.
+using LetterCounts = std::array<std::uint64_t, 256>;
+
+}  // namespace genetrain
+
+#endif

@@ -1,0 +1,38 @@
+#ifndef GENETRAIN_SEQ_VSEQ_H
+#define GENETRAIN_SEQ_VSEQ_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "seq/LetterTables.h"
+
+namespace genetrain {
+
+// One byte per base, with the codes of BaseCode.
+using CodeSeq = std::vector<std::uint8_t>;
+
+// Sequences as base codes, for the gene, chain, ORF and motif commands.
+class VSeq {
+ public:
+  // Replaces `sequence` with the codes of the whole file as one sequence: a first header line is
+  // skipped, but later ">" lines are not recognised and their letters are coded as bases.
+  bool ReadSingle(const std::string& name);
+  // Appends one code sequence per FASTA record to `records`.
+  bool ReadRecords(const std::string& name);
+
+  static std::uint8_t Complement(std::uint8_t code) { return code < 4 ? 3 - code : kOther; }
+  // The codon index 16 * b1 + 4 * b2 + b3 of three codes below 4.
+  static unsigned CodonIndex(std::uint8_t b1, std::uint8_t b2, std::uint8_t b3) {
+    return 16u * b1 + 4u * b2 + b3;
+  }
+
+  CodeSeq sequence;
+  std::vector<CodeSeq> records;
+  std::array<bool, 64> stops{};  // stop codons by codon index; filled by the gene loader
+};
+
+}  // namespace genetrain
+
+#endif
