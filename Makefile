@@ -5,7 +5,7 @@ BUILD_DIR ?= build
 SANITIZE_DIR ?= build-sanitize
 JOBS ?= $(shell nproc)
 
-.PHONY: all build test test-sanitize deps format clean
+.PHONY: all build test test-sanitize bench deps format clean
 
 all: build
 
@@ -24,6 +24,9 @@ test-sanitize: deps
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
 	  ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS)
+
+bench: build
+	bash bench/run.sh
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

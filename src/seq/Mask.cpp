@@ -1,0 +1,4 @@
+#include "seq/MSSeq.h"
+#include "seq/SSeq.h"
+
+namespace genetrain {}  // namespace genetrain
