@@ -1,32 +1,144 @@
-#include "seq/MSSeq.h"
+// The record utilities that rewrite records: renaming (--clean_fasta) and the filter of coding
+// sequences (--CLEAN_CODING). Both hold the records in memory.
 
-#include "common/Message.h"
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "seq/MSSeq.h"
 
 namespace genetrain {
 
-bool MSSeq::CleanFasta(Param&) {
-  PrintError({"error: command not yet available: --clean_fasta"});
-  return false;
+namespace {
+
+// Truncates the file and writes the text; a file that cannot be opened loses it silently.
+void WriteFile(const std::string& name, std::string_view text) {
+  std::FILE* file = std::fopen(name.c_str(), "wb");
+  if (file == nullptr) return;
+  std::fwrite(text.data(), 1, text.size(), file);
+  std::fclose(file);
 }
 
-bool MSSeq::StatFasta(Param&) {
-  PrintError({"error: command not yet available: --stat_fasta"});
-  return false;
+void WriteStdout(std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
-bool MSSeq::CountSubstringN(Param&) {
-  PrintError({"error: command not yet available: --count_substring_n"});
-  return false;
+// The letters of a coding sequence kept for training: all but the first `left` and the last
+// `right`. Margins that meet or cross leave nothing.
+std::string_view Inner(std::string_view sequence, std::uint32_t left, std::uint32_t right) {
+  const std::uint64_t margins = std::uint64_t{left} + right;
+  if (margins >= sequence.size()) return {};
+  return sequence.substr(left, sequence.size() - margins);
 }
 
-bool MSSeq::CountSubstringAtcg(Param&) {
-  PrintError({"error: command not yet available: --count_substring_atcg"});
-  return false;
+struct CodingCounts {
+  std::uint64_t records = 0, good = 0, bad = 0, shorter = 0;
+};
+
+}  // namespace
+
+bool MSSeq::CleanFasta(Param& param) {
+  std::string input, index, output, prefix;
+  if (!param.GetWord(input, "--clean_fasta") || !param.GetWord(index, "--clean_fasta_index") ||
+      !param.GetWord(output, "--clean_fasta_out") ||
+      !param.GetWord(prefix, "--clean_fasta_label")) {
+    return false;
+  }
+  if (!ReadFasta(input)) return false;
+  std::size_t letters = 0, labels = 0;
+  for (const SeqRecord& record : records_) {
+    letters += record.sequence.size();
+    labels += record.label.size();
+  }
+  const std::size_t perRecord = prefix.size() + 24;
+  std::string fasta, names;
+  fasta.reserve(letters + records_.size() * (perRecord + 3));
+  names.reserve(labels + records_.size() * (perRecord + 2));
+  for (std::size_t i = 0; i < records_.size(); ++i) {
+    const std::string number = std::to_string(i);
+    fasta.append(">").append(prefix).append(".").append(number).push_back('\n');
+    fasta.append(records_[i].sequence).append("\n\n");
+    names.append(">").append(prefix).append(".").append(number).push_back('\t');
+    names.append(records_[i].label).push_back('\n');
+  }
+  WriteFile(output, fasta);
+  WriteFile(index, names);
+  return true;
 }
 
-bool MSSeq::CleanCoding(Param&) {
-  PrintError({"error: command not yet available: --CLEAN_CODING"});
-  return false;
+bool MSSeq::CleanCoding(Param& param) {
+  std::string name, output;
+  bool printLabel = false;
+  std::uint32_t left = 0, right = 0, minimum = 0;
+  if (!param.GetWord(name, "--seq") || !param.GetWord(output, "--CLEAN_CODING") ||
+      !param.Get(printLabel, "--PRINT_LABEL") || !param.Get(left, "--MKCHAIN_L_MARGING") ||
+      !param.Get(right, "--MKCHAIN_R_MARGING") || !param.Get(minimum, "--MIN_COD")) {
+    return false;
+  }
+  if (!ReadFasta(name)) return false;
+  stops_ = StopList(param);
+  CodingCounts counts;
+  std::string kept, messages;
+  std::size_t size = 0;
+  for (const SeqRecord& record : records_) size += record.label.size() + record.sequence.size() + 2;
+  kept.reserve(size);
+  for (const SeqRecord& record : records_) {
+    ++counts.records;
+    if (!IsCleanCoding(record.sequence, left, right)) {
+      messages.append("error in record ").append(record.label).push_back('\n');
+      ++counts.bad;
+      continue;
+    }
+    ++counts.good;
+    if (minimum >= record.sequence.size()) {
+      ++counts.shorter;
+      continue;
+    }
+    if (printLabel) kept.append(record.label).push_back('\n');
+    kept.append(Inner(record.sequence, left, right)).push_back('\n');
+  }
+  WriteFile(output, kept);
+  messages.append(name)
+      .append(" records ")
+      .append(std::to_string(counts.records))
+      .append(" good ")
+      .append(std::to_string(counts.good))
+      .append(" bad ")
+      .append(std::to_string(counts.bad))
+      .append(" short ")
+      .append(std::to_string(counts.shorter))
+      .push_back('\n');
+  WriteStdout(messages);
+  return true;
+}
+
+std::string MSSeq::StopList(Param& param) {
+  std::string list;
+  for (const auto& [key, codon] :
+       {std::pair{"--TAA_", "TAA|"}, std::pair{"--TGA_", "TGA|"}, std::pair{"--TAG_", "TAG|"}}) {
+    bool use = false;
+    // A malformed value has its message printed and leaves the codon out.
+    if (param.GetOpt(use, key) && use) list.append(codon);
+  }
+  return list;
+}
+
+// Margins that add up to the length leave an empty inner region and fail; margins that add up
+// to more are not guarded against: nothing is left to hold a stop, so the record passes.
+bool MSSeq::IsCleanCoding(std::string_view sequence, std::uint32_t left,
+                          std::uint32_t right) const {
+  if (sequence.size() % 3 != 0) return false;
+  if (std::uint64_t{left} + right == sequence.size()) return false;
+  return HasNoStop(Inner(sequence, left, right));
+}
+
+// Whole codons only: a partial codon at the end is no codon. A codon is looked up as a piece of
+// the "TAA|TGA|" list; the bars keep two neighbouring codons from matching across.
+bool MSSeq::HasNoStop(std::string_view range) const {
+  for (std::size_t i = 0; i + 3 <= range.size(); i += 3) {
+    if (stops_.find(range.substr(i, 3)) != std::string::npos) return false;
+  }
+  return true;
 }
 
 }  // namespace genetrain

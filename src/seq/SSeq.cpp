@@ -1,5 +1,7 @@
 #include "seq/SSeq.h"
 
+#include <algorithm>
+
 namespace genetrain {
 
 void SSeq::Tally::Add(const Tally& other) {
@@ -45,19 +47,40 @@ void SSeq::CountLetters(std::string_view range, LetterCounts& counts) {
 }
 
 double SSeq::GcPercent(const LetterCounts& counts) {
-  const std::uint64_t gc = counts['G'] + counts['C'];
-  const std::uint64_t acgt = counts['A'] + counts['C'] + counts['G'] + counts['T'];
-  if (acgt == 0) return 0;
-  return static_cast<double>(gc) * 100 / static_cast<double>(acgt);
+  return GcPercent(Tally{counts['A'], counts['C'], counts['G'], counts['T'], counts['N']});
 }
 
-LetterCounts SSeq::FoldCounts(const LetterCounts& raw) {
-  const LetterTable& table = UpperLetterTable();
-  LetterCounts folded{};
-  for (std::size_t b = 0; b < 256; ++b) {
-    if (table[b] != 0) folded[static_cast<unsigned char>(table[b])] += raw[b];
+double SSeq::GcPercent(const Tally& tally) {
+  const std::uint64_t acgt = tally.Unambiguous();
+  if (acgt == 0) return 0;
+  return static_cast<double>(tally.g + tally.c) * 100 / static_cast<double>(acgt);
+}
+
+// Per block the flags of each byte add up in 8-bit counters. The inner loop has neither branch
+// nor table look-up, so the compiler runs it over vector registers: several times faster than a
+// byte histogram. A block is a whole number of vectors and below 256 bytes.
+SSeq::Tally SSeq::TallyLetters(std::string_view raw) {
+  constexpr std::size_t kBlock = 240;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(raw.data());
+  Tally tally;
+  for (std::size_t start = 0; start < raw.size(); start += kBlock) {
+    const std::size_t end = std::min(raw.size(), start + kBlock);
+    std::uint8_t a = 0, c = 0, g = 0, t = 0, letters = 0;
+    for (std::size_t i = start; i < end; ++i) {
+      const std::uint8_t lower = bytes[i] | 0x20;  // only A-Z and a-z land on a-z
+      a += lower == 'a';
+      c += lower == 'c';
+      g += lower == 'g';
+      t += (lower == 't') | (lower == 'u');
+      letters += static_cast<std::uint8_t>(lower - 'a') < 26;
+    }
+    tally.a += a;
+    tally.c += c;
+    tally.g += g;
+    tally.t += t;
+    tally.n += static_cast<std::uint8_t>(letters - a - c - g - t);
   }
-  return folded;
+  return tally;
 }
 
 }  // namespace genetrain

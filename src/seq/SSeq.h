@@ -42,11 +42,12 @@ class SSeq : public Report {
   static void WriteLines(std::string_view text, std::uint32_t width, std::string& out);
   // Adds one to the counter of every byte of the range.
   static void CountLetters(std::string_view range, LetterCounts& counts);
+  // The letters of a raw region (line ends and all) as the reader keeps them: a, c, g, t in
+  // either case, U and u as t, every other letter as N; non-letters are not counted.
+  static Tally TallyLetters(std::string_view raw);
   // (G + C) * 100 / (A + C + G + T) over the capital letters' counters; 0 without any of them.
   static double GcPercent(const LetterCounts& counts);
-  // Counters of raw bytes folded as the single-case view reads them: a to A, U and u to T, every
-  // other letter to N; non-letters to nothing.
-  static LetterCounts FoldCounts(const LetterCounts& raw);
+  static double GcPercent(const Tally& tally);
 
   // Statistics (--stat, --gc).
   bool Stat(Param& param);

@@ -180,17 +180,5 @@ TEST(SSeqCount, GcLeavesOutNAndOtherLetters) {
   EXPECT_EQ(SSeq::GcPercent(counts), 50.0);
 }
 
-TEST(SSeqCount, FoldingRawBytesMatchesTheSingleCaseView) {
-  LetterCounts raw{};
-  SSeq::CountLetters("aAcCgGtTuUnNxR\n9-", raw);
-  const LetterCounts folded = SSeq::FoldCounts(raw);
-  EXPECT_EQ(folded['A'], 2u);
-  EXPECT_EQ(folded['C'], 2u);
-  EXPECT_EQ(folded['G'], 2u);
-  EXPECT_EQ(folded['T'], 4u);
-  EXPECT_EQ(folded['N'], 4u);
-  EXPECT_EQ(folded['a'] + folded['\n'] + folded['9'], 0u);
-}
-
 }  // namespace
 }  // namespace genetrain

@@ -1,1 +1,347 @@
-// Tests arrive with their code.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "TestSupport.h"
+#include "seq/MSSeq.h"
+
+namespace genetrain {
+namespace {
+
+using Pairs = std::initializer_list<std::pair<std::string, std::string>>;
+
+struct Outcome {
+  bool ok = false;
+  std::string out;
+  std::string err;
+};
+
+Outcome RunCommand(bool (MSSeq::*handler)(Param&), Pairs pairs) {
+  Param param;
+  for (const auto& [key, value] : pairs) param.Set(key, value);
+  MSSeq seq;
+  Outcome run;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  run.ok = (seq.*handler)(param);
+  run.out = testing::internal::GetCapturedStdout();
+  run.err = testing::internal::GetCapturedStderr();
+  return run;
+}
+
+// Standard output of a command reading one FASTA text, with extra settings.
+std::string Output(bool (MSSeq::*handler)(Param&), const std::string& fasta, Pairs extra = {}) {
+  test::ScratchDir dir;
+  Param param;
+  param.Set("--seq", dir.Write("in.fa", fasta));
+  for (const auto& [key, value] : extra) param.Set(key, value);
+  MSSeq seq;
+  testing::internal::CaptureStdout();
+  EXPECT_TRUE((seq.*handler)(param));
+  return testing::internal::GetCapturedStdout();
+}
+
+std::string Stretches(const std::string& fasta, const std::string& maximum) {
+  return Output(&MSSeq::CountSubstringAtcg, fasta, {{"--max_nnn_substring", maximum}});
+}
+
+// Line ends, digits, blanks and other non-letters are dropped by the reader: they neither break
+// a run of N nor take a position. Every non-base letter is an N, n included.
+TEST(RecordRuns, NonLettersAreInvisibleToRuns) {
+  EXPECT_EQ(Output(&MSSeq::CountSubstringN, ">a\nACNN\nNGTN\n"), ">a< 3 1\n");
+  EXPECT_EQ(Output(&MSSeq::CountSubstringN, ">a\nN\r\n1 n-*.R\r\nyX\r\n\xc3\xa9N\r\nA"), ">a< 6\n");
+  EXPECT_EQ(Output(&MSSeq::CountSubstringN, ">a\nACGTU acgtu\n>b\n\n>c\nN"), ">a<\n>b<\n>c< 1\n");
+  // A header mark ends the run: the rest of the line is the next record's label.
+  EXPECT_EQ(Output(&MSSeq::CountSubstringN, "NN>N\nNA\nNN\n"), "< 2\n>N< 1 2\n");
+  EXPECT_EQ(Stretches(">a\nA C\nG1\nNN NN\nT\n", "3"), "1\t3\t3\t>a\n8\t8\t1\t>a\n");
+}
+
+TEST(RecordRuns, StretchesBetweenLongRuns) {
+  EXPECT_EQ(Stretches(">z\nAANNNCCNGG\n", "2"), "1\t2\t2\t>z\n6\t10\t5\t>z\n");
+  // A run as long as the limit belongs to its stretch; no run at all gives the whole record.
+  EXPECT_EQ(Stretches(">z\nAANNNCC\n", "3"), "1\t7\t7\t>z\n");
+  EXPECT_EQ(Stretches(">z\nacgtACGT\n", "0"), "1\t8\t8\t>z\n");
+  // Leading and trailing separating runs give no empty stretch, nor do neighbouring ones.
+  EXPECT_EQ(Stretches(">e\nNNNACNNNNGTNN\n", "1"), "4\t5\t2\t>e\n10\t11\t2\t>e\n");
+  EXPECT_EQ(Stretches(">e\nNNN\n>f\n\n>g\nNANN\n", "0"), "2\t2\t1\t>g\n");
+  // Without the setting every N separates; a negative limit does the same.
+  EXPECT_EQ(Output(&MSSeq::CountSubstringAtcg, ">d\nANANNA\n"),
+            "1\t1\t1\t>d\n3\t3\t1\t>d\n6\t6\t1\t>d\n");
+  EXPECT_EQ(Stretches(">d\nANANNA\n", "-5"), "1\t1\t1\t>d\n3\t3\t1\t>d\n6\t6\t1\t>d\n");
+  EXPECT_EQ(Stretches("ANA\n", "2147483647"), "1\t3\t3\t\n");
+}
+
+TEST(RecordRuns, StatLinePerRecord) {
+  EXPECT_EQ(Output(&MSSeq::StatFasta, ">x\nACGTNN\n"),
+            ">x\t6\t50\t25\t25\t25\t25\t33\t1\t1\t1\t1\t2\n");
+  // Both cases count; U is T; other letters are N; rounding is half up.
+  EXPECT_EQ(Output(&MSSeq::StatFasta, ">m\r\nacg\r\nUuRY\r\n"),
+            ">m\r\t7\t40\t20\t20\t20\t40\t28\t1\t1\t1\t2\t2\n");
+  EXPECT_EQ(Output(&MSSeq::StatFasta, ">h\nAAAAAAC\n"),
+            ">h\t7\t14\t86\t14\t0\t0\t0\t6\t1\t0\t0\t0\n");
+  EXPECT_EQ(Output(&MSSeq::StatFasta, ">n\nNNnN\n"), ">n\t4\t-\t-\t-\t-\t-\t100\t0\t0\t0\t0\t4\n");
+  // An empty record has no end of line: the next one continues the line.
+  EXPECT_EQ(Output(&MSSeq::StatFasta, ">e\n\n>a\nA\n"),
+            ">e\t0\t>a\t1\t0\t100\t0\t0\t0\t0\t1\t0\t0\t0\t0\n");
+  const std::string longBody(10001, 'G');
+  EXPECT_EQ(Output(&MSSeq::StatFasta, ">g\n" + longBody + "\n"),
+            ">g\t10001\t100\t0\t0\t100\t0\t0\t0\t0\t10001\t0\t0\n");
+}
+
+// Random texts with long stretches (for the chunked scans), N runs of any length made of all
+// kinds of non-base letters, and non-letters everywhere, including inside runs.
+std::string RandomFasta(unsigned seed) {
+  std::mt19937 random(seed);
+  const auto pick = [&random](std::string_view from) { return from[random() % from.size()]; };
+  std::string text;
+  for (int record = 0; record < 12; ++record) {
+    if (record > 0 || random() % 2 == 0)
+      text.append(">r").append(std::to_string(record)).append(" x\n");
+    for (int piece = 0, pieces = static_cast<int>(random() % 9); piece < pieces; ++piece) {
+      const bool run = random() % 3 == 0;
+      const std::size_t length = random() % (random() % 4 == 0 ? 400 : 70);
+      for (std::size_t i = 0; i < length; ++i) {
+        text += run ? pick("NNNNnRYXb") : pick("ACGTacgtuUACGT");
+        if (random() % 50 == 0) text += pick("\n\r\t 1-.*@[`{\xc3\xa9\xc1\xe1");
+      }
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+// The N runs [first, first + length) of a sequence as the reader builds it.
+std::vector<std::pair<std::size_t, std::size_t>> NRuns(const std::string& sequence) {
+  std::vector<std::pair<std::size_t, std::size_t>> runs;
+  for (std::size_t i = 0; i < sequence.size(); ++i) {
+    if (sequence[i] != 'N') continue;
+    if (i == 0 || sequence[i - 1] != 'N') runs.emplace_back(i, 0);
+    ++runs.back().second;
+  }
+  return runs;
+}
+
+TEST(RecordRuns, StreamingAgreesWithTheRecords) {
+  for (unsigned seed = 1; seed <= 40; ++seed) {
+    const std::string fasta = RandomFasta(seed);
+    test::ScratchDir dir;
+    MSSeq read;
+    ASSERT_TRUE(read.ReadFasta(dir.Write("in.fa", fasta)));
+    std::string runs, stretches, stats;
+    for (const SeqRecord& record : read.Records()) {
+      const std::string& seq = record.sequence;
+      runs += record.label + "<";
+      std::size_t start = 0;
+      for (const auto& [first, length] : NRuns(seq)) {
+        runs.append(" ").append(std::to_string(length));
+        if (length <= 5) continue;
+        if (first > start) {
+          stretches += std::to_string(start + 1) + "\t" + std::to_string(first) + "\t" +
+                       std::to_string(first - start) + "\t" + record.label + "\n";
+        }
+        start = first + length;
+      }
+      runs += "\n";
+      if (seq.size() > start) {
+        stretches += std::to_string(start + 1) + "\t" + std::to_string(seq.size()) + "\t" +
+                     std::to_string(seq.size() - start) + "\t" + record.label + "\n";
+      }
+      const auto count = [&seq](char upper) {
+        return std::count(seq.begin(), seq.end(), upper) +
+               std::count(seq.begin(), seq.end(), static_cast<char>(upper + 32));
+      };
+      const std::size_t n = seq.size(), nCount = std::count(seq.begin(), seq.end(), 'N');
+      stats += record.label + "\t" + std::to_string(n) + "\t";
+      if (n == 0) continue;
+      const double bases = static_cast<double>(n - nCount);
+      for (const auto letters :
+           {count('C') + count('G'), count('A'), count('C'), count('G'), count('T')}) {
+        stats += n == nCount ? std::string("-")
+                             : std::to_string(static_cast<int>(letters * 100.0 / bases + 0.5));
+        stats += "\t";
+      }
+      stats += std::to_string(nCount * 100 / n) + "\t";
+      for (const char upper : {'A', 'C', 'G', 'T'}) stats += std::to_string(count(upper)) + "\t";
+      stats += std::to_string(nCount) + "\n";
+    }
+    EXPECT_EQ(Output(&MSSeq::CountSubstringN, fasta), runs) << "seed " << seed;
+    EXPECT_EQ(Stretches(fasta, "5"), stretches) << "seed " << seed;
+    EXPECT_EQ(Output(&MSSeq::StatFasta, fasta), stats) << "seed " << seed;
+  }
+}
+
+TEST(RecordRuns, ReadingFailures) {
+  for (const auto handler :
+       {&MSSeq::StatFasta, &MSSeq::CountSubstringN, &MSSeq::CountSubstringAtcg}) {
+    Outcome run = RunCommand(handler, {});
+    EXPECT_FALSE(run.ok);
+    EXPECT_EQ(run.err, "error: missing parameter --seq\n");
+    run = RunCommand(handler, {{"--seq", "/nonexistent/in.fa"}});
+    EXPECT_FALSE(run.ok);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "error: file </nonexistent/in.fa> is not found\n");
+  }
+  const Outcome run = RunCommand(&MSSeq::CountSubstringAtcg,
+                                 {{"--seq", "/nonexistent/in.fa"}, {"--max_nnn_substring", "1.5"}});
+  EXPECT_FALSE(run.ok);
+  EXPECT_EQ(run.err, "error in value of parameter --max_nnn_substring: 1.5\n");
+}
+
+// Without a stop codon list only the frame and the margins decide.
+TEST(CleanCoding, FrameAndMargins) {
+  const MSSeq seq;
+  EXPECT_TRUE(seq.IsCleanCoding("ATGTAA", 0, 0));
+  EXPECT_FALSE(seq.IsCleanCoding("ATGTAAA", 0, 0));
+  EXPECT_FALSE(seq.IsCleanCoding("ATGTA", 0, 0));
+  EXPECT_FALSE(seq.IsCleanCoding("", 0, 0));
+  EXPECT_FALSE(seq.IsCleanCoding("ATGTAA", 3, 3));
+  EXPECT_FALSE(seq.IsCleanCoding("ATGTAA", 6, 0));
+  EXPECT_FALSE(seq.IsCleanCoding("ATGTAA", 0, 6));
+  // Margins beyond the length leave nothing to hold a stop.
+  EXPECT_TRUE(seq.IsCleanCoding("ATGTAA", 4, 3));
+  EXPECT_TRUE(seq.IsCleanCoding("ATGTAA", 4000000000U, 4000000000U));
+  EXPECT_TRUE(seq.HasNoStop("TAATGATAG"));
+  EXPECT_TRUE(seq.HasNoStop(""));
+}
+
+struct Coded {
+  std::string out;   // standard output, the input's path shown as "in.fa"
+  std::string kept;  // the output file
+};
+
+Coded Coding(const std::string& fasta, Pairs extra) {
+  test::ScratchDir dir;
+  Param param;
+  const std::string input = dir.Write("in.fa", fasta);
+  param.Set("--seq", input);
+  const std::string output = dir.Path("out.txt");
+  for (const auto& [key, value] : Pairs{{"--CLEAN_CODING", output},
+                                        {"--PRINT_LABEL", "1"},
+                                        {"--MKCHAIN_L_MARGING", "0"},
+                                        {"--MKCHAIN_R_MARGING", "0"},
+                                        {"--MIN_COD", "0"}}) {
+    param.Set(key, value);
+  }
+  for (const auto& [key, value] : extra) param.Set(key, value);
+  MSSeq seq;
+  testing::internal::CaptureStdout();
+  EXPECT_TRUE(seq.CleanCoding(param));
+  Coded coded{testing::internal::GetCapturedStdout(), test::ReadFile(output)};
+  const std::size_t at = coded.out.rfind(input);
+  if (at != std::string::npos) coded.out.replace(at, input.size(), "in.fa");
+  return coded;
+}
+
+TEST(CleanCoding, OnlyListedUpperCaseStopsInFrameCount) {
+  const std::string fasta = ">taa\nAAATAACCC\n>tga\nAAATGACCC\n>tag\nAAATAGCCC\n";
+  Coded coded = Coding(fasta, {});
+  EXPECT_EQ(coded.out, "in.fa records 3 good 3 bad 0 short 0\n");
+  EXPECT_EQ(coded.kept, ">taa\nAAATAACCC\n>tga\nAAATGACCC\n>tag\nAAATAGCCC\n");
+  for (const auto& [key, bad] :
+       {std::pair{"--TAA_", ">taa"}, std::pair{"--TGA_", ">tga"}, std::pair{"--TAG_", ">tag"}}) {
+    coded = Coding(fasta, {{key, "1"}});
+    EXPECT_EQ(coded.out,
+              "error in record " + std::string(bad) + "\nin.fa records 3 good 2 bad 1 short 0\n");
+  }
+  // Lower case is not recognised; U reads as T; stops out of frame or across codons do not
+  // count; the last, partial codon of the region ("TA" here) is no codon; codons are counted
+  // from the left margin.
+  const Pairs all{{"--TAA_", "1"}, {"--TGA_", "1"}, {"--TAG_", "1"}};
+  EXPECT_EQ(Coding(">l\nATGtaaTGa\n", all).out, "in.fa records 1 good 1 bad 0 short 0\n");
+  EXPECT_EQ(Coding(">u\nATGUAGCCC\n", all).out,
+            "error in record >u\nin.fa records 1 good 0 bad 1 short 0\n");
+  EXPECT_EQ(Coding(">o\nATAAGTAGA\n", all).out, "in.fa records 1 good 1 bad 0 short 0\n");
+  EXPECT_EQ(
+      Coding(">p\nCCCCCCCTA\n",
+             Pairs{{"--TAG_", "1"}, {"--MKCHAIN_L_MARGING", "1"}, {"--MKCHAIN_R_MARGING", "0"}})
+          .out,
+      "in.fa records 1 good 1 bad 0 short 0\n");
+  EXPECT_EQ(
+      Coding(">p\nCTAGCCCCC\n",
+             Pairs{{"--TAG_", "1"}, {"--MKCHAIN_L_MARGING", "1"}, {"--MKCHAIN_R_MARGING", "2"}})
+          .out,
+      "error in record >p\nin.fa records 1 good 0 bad 1 short 0\n");
+  // A malformed flag is reported and leaves its codon out.
+  testing::internal::CaptureStderr();
+  coded = Coding(">a\nTAATGA\n", {{"--TAA_", "yes"}, {"--TGA_", "0"}});
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "error in value of parameter --TAA_: yes\nerror in value of parameter --TAA_: yes\n");
+  EXPECT_EQ(coded.out, "in.fa records 1 good 1 bad 0 short 0\n");
+}
+
+TEST(CleanCoding, TrimsMarginsAndCountsShortRecords) {
+  const std::string fasta = ">a\nATGAAATAA\n>b\nATGCCCGGGTAA\n>c\nATGTAA\n>d\n\n";
+  const Pairs margins{{"--MKCHAIN_L_MARGING", "3"}, {"--MKCHAIN_R_MARGING", "3"}};
+  Coded coded = Coding(fasta, margins);
+  // >c has no inner region: bad. >d is empty and its margins cross it: good, and short.
+  EXPECT_EQ(coded.out, "error in record >c\nin.fa records 4 good 3 bad 1 short 1\n");
+  EXPECT_EQ(coded.kept, ">a\nAAA\n>b\nCCCGGG\n");
+  coded = Coding(fasta, {{"--MKCHAIN_L_MARGING", "3"},
+                         {"--MKCHAIN_R_MARGING", "3"},
+                         {"--MIN_COD", "9"},
+                         {"--PRINT_LABEL", "0"}});
+  EXPECT_EQ(coded.out, "error in record >c\nin.fa records 4 good 3 bad 1 short 2\n");
+  EXPECT_EQ(coded.kept, "CCCGGG\n");
+  // Margins beyond a record in frame leave an empty line.
+  coded = Coding(">x\nATGAAATAA\n", {{"--MKCHAIN_L_MARGING", "6"}, {"--MKCHAIN_R_MARGING", "6"}});
+  EXPECT_EQ(coded.out, "in.fa records 1 good 1 bad 0 short 0\n");
+  EXPECT_EQ(coded.kept, ">x\n\n");
+}
+
+TEST(CleanCoding, SettingsAreReadInOrder) {
+  const std::pair<std::string, std::string> settings[] = {
+      {"--seq", "in.fa"},           {"--CLEAN_CODING", "out.txt"}, {"--PRINT_LABEL", "1"},
+      {"--MKCHAIN_L_MARGING", "0"}, {"--MKCHAIN_R_MARGING", "0"},  {"--MIN_COD", "0"}};
+  // Each setting missing in turn, with all the later ones malformed: the missing one is shown.
+  for (std::size_t missing = 0; missing < std::size(settings); ++missing) {
+    Param param;
+    for (std::size_t i = 0; i < missing; ++i) param.Set(settings[i].first, settings[i].second);
+    for (std::size_t i = missing + 1; i < std::size(settings); ++i)
+      param.Set(settings[i].first, "x y");
+    MSSeq seq;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(seq.CleanCoding(param));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "error: missing parameter " + settings[missing].first + "\n");
+  }
+}
+
+TEST(CleanFasta, RenamesAndIndexes) {
+  test::ScratchDir dir;
+  Param param;
+  param.Set("--clean_fasta", dir.Write("in.fa", "lead\n>one\r\nAc\nGt\n>two x\n>three\nNNn"));
+  param.Set("--clean_fasta_index", dir.Path("index.txt"));
+  param.Set("--clean_fasta_out", dir.Path("out.fa"));
+  param.Set("--clean_fasta_label", "s");
+  MSSeq seq;
+  EXPECT_TRUE(seq.CleanFasta(param));
+  EXPECT_EQ(test::ReadFile(dir.Path("out.fa")),
+            ">s.0\nNNaN\n\n>s.1\nAcGt\n\n>s.2\n\n\n>s.3\nNNN\n\n");
+  EXPECT_EQ(test::ReadFile(dir.Path("index.txt")),
+            ">s.0\t\n>s.1\t>one\r\n>s.2\t>two x\n>s.3\t>three\n");
+}
+
+TEST(CleanFasta, SettingsAreReadInOrder) {
+  const char* keys[] = {"--clean_fasta", "--clean_fasta_index", "--clean_fasta_out",
+                        "--clean_fasta_label"};
+  for (std::size_t missing = 0; missing < std::size(keys); ++missing) {
+    Param param;
+    for (std::size_t i = 0; i < std::size(keys); ++i) {
+      if (i < missing) param.Set(keys[i], "name");
+      if (i > missing) param.Set(keys[i], "");
+    }
+    MSSeq seq;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(seq.CleanFasta(param));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              std::string("error: missing parameter ") + keys[missing] + "\n");
+  }
+}
+
+}  // namespace
+}  // namespace genetrain
