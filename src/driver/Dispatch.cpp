@@ -1,8 +1,12 @@
 #include "driver/Dispatch.h"
 
 #include <array>
+#include <type_traits>
 
 #include "common/Message.h"
+#include "genes/GeneSet.h"
+#include "genes/Genome.h"
+#include "genes/Orf.h"
 #include "seq/MSSeq.h"
 #include "seq/SSeq.h"
 
@@ -17,6 +21,18 @@ bool Run(Param& param) {
   return (object.*Handler)(param);
 }
 
+// The same for handlers that take the object: a Genome is built from the parameters.
+template <typename Object, bool (*Handler)(Object&, Param&)>
+bool RunWith(Param& param) {
+  if constexpr (std::is_constructible_v<Object, Param&>) {
+    Object object(param);
+    return Handler(object, param);
+  } else {
+    Object object;
+    return Handler(object, param);
+  }
+}
+
 // Test order decides between two command keys given together (--stat with --gc runs --gc), so
 // this order is part of the interface.
 constexpr std::array<Command, 23> kCommands = {{
@@ -27,20 +43,20 @@ constexpr std::array<Command, 23> kCommands = {{
     {"--stat", Run<SSeq, &SSeq::Stat>},
     {"--clean", Run<SSeq, &SSeq::Clean>},
     {"--split", Run<SSeq, &SSeq::Split>},
-    {"--parse", nullptr},
-    {"--intergenic", nullptr},
+    {"--parse", RunWith<Genome, RunParse>},
+    {"--intergenic", RunWith<Genome, RunIntergenic>},
     {"--mkchain", nullptr},
     {"--mkmod", nullptr},
     {"--CLEAN_CODING", Run<MSSeq, &MSSeq::CleanCoding>},
     {"--compare", nullptr},
-    {"--pre_start", nullptr},
+    {"--pre_start", RunWith<Genome, RunPreStart>},
     {"--gibbs", nullptr},
     {"--mask", Run<SSeq, &SSeq::Mask>},
     {"--combine", nullptr},
-    {"--STAT_NON_VS_ALL", nullptr},
-    {"--ORF_PER_SEQ", nullptr},
-    {"--orf", nullptr},
-    {"--GENE_SET_STAT", nullptr},
+    {"--STAT_NON_VS_ALL", RunWith<Genome, RunStatNonVsAll>},
+    {"--ORF_PER_SEQ", RunWith<ORF, RunOrfPerSeq>},
+    {"--orf", RunWith<ORF, RunOrf>},
+    {"--GENE_SET_STAT", RunGeneSetStat},
     {"--count_substring_n", Run<MSSeq, &MSSeq::CountSubstringN>},
     {"--count_substring_atcg", Run<MSSeq, &MSSeq::CountSubstringAtcg>},
 }};

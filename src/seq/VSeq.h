@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/Param.h"
 #include "seq/LetterTables.h"
 
 namespace genetrain {
@@ -21,6 +22,17 @@ class VSeq {
   bool ReadSingle(const std::string& name);
   // Appends one code sequence per FASTA record to `records`.
   bool ReadRecords(const std::string& name);
+
+  // For the gene commands: sets the stop codons from --TAA_, --TGA_, --TAG_ (none unless named),
+  // then reads --seq with ReadSingle.
+  bool LoadForGenes(Param& param);
+  // The bases left .. right (0-based, inclusive), clipped to the sequence; reverse-complemented
+  // for strand 2. Empty, with a warning on standard output, when an in-frame stop codon stands
+  // before the last codon.
+  CodeSeq GeneSeq(int left, int right, int strand) const;
+  // The region around a start codon: `upstream` bases before it and `inside` bases from it,
+  // clipped to the sequence; `right_end` is the gene's right + 1.
+  CodeSeq RegionSeq(int left, int right_end, int strand, int upstream, int inside) const;
 
   static std::uint8_t Complement(std::uint8_t code) { return code < 4 ? 3 - code : kOther; }
   // The codon index 16 * b1 + 4 * b2 + b3 of three codes below 4.

@@ -1,0 +1,50 @@
+// The gene commands' view of a sequence: stop codons and gene pieces.
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "genes/Genome.h"
+#include "seq/VSeq.h"
+
+namespace genetrain {
+
+bool VSeq::LoadForGenes(Param& param) {
+  // A malformed flag is reported and leaves its codon out.
+  for (const auto& [key, codon] : {std::pair{"--TAA_", kCodonTAA}, std::pair{"--TGA_", kCodonTGA},
+                                   std::pair{"--TAG_", kCodonTAG}}) {
+    stops[codon] = false;
+    param.GetOpt(stops[codon], key);
+  }
+  std::string name;
+  if (!param.GetWord(name, "--seq")) return false;
+  return ReadSingle(name);
+}
+
+CodeSeq VSeq::GeneSeq(int left, int right, int strand) const {
+  // Clipped to the sequence: a gene the gene set lets end one base past it comes out short and
+  // is turned away by the caller's length check.
+  const std::int64_t first = std::max(left, 0);
+  const std::int64_t last =
+      std::min<std::int64_t>(right, static_cast<std::int64_t>(sequence.size()) - 1);
+  CodeSeq piece;
+  if (first > last) return piece;
+  piece.assign(sequence.begin() + first, sequence.begin() + last + 1);
+  if (strand == 2) {
+    std::reverse(piece.begin(), piece.end());
+    for (std::uint8_t& code : piece) code = Complement(code);
+  }
+  for (std::size_t i = 0; i + 2 < piece.size(); i += 3) {
+    if (piece[i] > 3 || piece[i + 1] > 3 || piece[i + 2] > 3) continue;
+    if (!stops[CodonIndex(piece[i], piece[i + 1], piece[i + 2])]) continue;
+    const std::size_t end = i + 3;  // one past the stop codon's last base
+    if (end >= piece.size() - 1) break;
+    std::string warning = "warning, STOP codon found inside protein: ";
+    warning.append(std::to_string(left)).append(" ").append(std::to_string(right));
+    warning.append(" ").append(std::to_string(end)).push_back('\n');
+    std::fwrite(warning.data(), 1, warning.size(), stdout);
+    return {};
+  }
+  return piece;
+}
+
+}  // namespace genetrain

@@ -1,0 +1,141 @@
+#include "genes/GeneSet.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "TestSupport.h"
+
+namespace genetrain {
+namespace {
+
+// strand, left, right, left_complete, right_complete, valid, class, as one comparable text.
+std::string Show(const GENE& gene) {
+  return std::to_string(gene.strand) + " " + std::to_string(gene.left) + " " +
+         std::to_string(gene.right) + " " + (gene.left_complete ? "c" : "o") +
+         (gene.right_complete ? "c" : "o") + " " + (gene.valid ? "valid" : "invalid") + " " +
+         std::to_string(gene.gene_class);
+}
+
+TEST(GeneSetSixColumns, CoordinatesStrandAndClass) {
+  GeneSet set;
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 1")), "1 0 98 cc valid 1");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 100 100 1")), "1 0 99 cc invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("g1\t-\t<3\t>101\t99\t2\r")), "2 2 100 oo valid 2");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 3")), "1 0 98 cc invalid 3");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 257")), "1 0 98 cc valid 1");  // low 8 bits
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 x")), "1 0 98 cc invalid 255");
+}
+
+TEST(GeneSetSixColumns, UnreadableSpansDropBothCoordinates) {
+  GeneSet set;
+  EXPECT_EQ(Show(set.ParseLine("g1 * 1 99 99 1")), "0 -1 -1 cc invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 0 98 98 1")), "1 -1 -1 cc invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("g1 + <x 98 98 1")), "1 -1 -1 oc invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 10 >9 98 1")), "1 -1 -1 co invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 2147483648 1 1")), "1 -1 -1 cc invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99")), "0 -1 -1 cc invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 1 extra")), "0 -1 -1 cc invalid 0");
+  EXPECT_EQ(Show(set.ParseLine("")), "0 -1 -1 cc invalid 0");
+}
+
+TEST(GeneSetSixColumns, LimitAdmitsAGeneOneBasePastTheEnd) {
+  GeneSet set;
+  set.max_right = 1000;
+  EXPECT_TRUE(set.ParseLine("g + 3 1001 999 1").valid);
+  EXPECT_FALSE(set.ParseLine("g + 4 1002 999 1").valid);
+  set.max_right = 0;  // no limit
+  EXPECT_TRUE(set.ParseLine("g + 4 1002 999 1").valid);
+}
+
+TEST(GeneSetTwoColumns, ShiftMakesTheFileZeroBased) {
+  GeneSet set;
+  set.shift_zero = 1;
+  EXPECT_EQ(Show(set.ParsePair("0 98")), "0 0 98 cc valid 0");
+  set.shift_zero = 0;
+  EXPECT_EQ(Show(set.ParsePair("0 98")), "0 -1 97 cc valid 0");
+  EXPECT_EQ(Show(set.ParsePair("50 10")), "0 49 9 cc invalid 0");
+  EXPECT_EQ(Show(set.ParsePair("x 10")), "0 -2 9 cc valid 0");  // not examined further
+  EXPECT_EQ(Show(set.ParsePair("1 2 3")), "0 -1 -1 cc invalid 0");
+}
+
+TEST(GeneSetParse, EveryLineIsARecordAndBadLinesAreKeptAsText) {
+  GeneSet set;
+  set.rejected_text = "old";
+  const std::string text = "# comment\na + 1 99 99 1\n\nb + 1 9 9 1\r\nc + 1 4 4 1\n";
+  set.Parse(text.data(), text.data() + text.size());
+  ASSERT_EQ(set.genes.size(), 5u);
+  EXPECT_TRUE(set.genes[1].valid);
+  EXPECT_TRUE(set.genes[3].valid);
+  EXPECT_FALSE(set.genes[4].valid);
+  EXPECT_EQ(set.rejected_text, "old# comment\n\nc + 1 4 4 1");
+}
+
+TEST(GeneSetParse, LineEndsAtTheBufferEdges) {
+  GeneSet set;
+  const std::string empty;
+  set.Parse(empty.data(), empty.data());
+  EXPECT_TRUE(set.genes.empty());
+  for (const std::string text : {"\n", "a + 1 3 3 1", "a + 1 3 3 1\n"}) {
+    set.Parse(text.data(), text.data() + text.size());
+    EXPECT_EQ(set.genes.size(), 1u) << text;
+  }
+  const std::string two = "\na + 1 3 3 1";
+  set.Parse(two.data(), two.data() + two.size());
+  ASSERT_EQ(set.genes.size(), 2u);
+  EXPECT_TRUE(set.genes[1].valid);
+}
+
+TEST(GeneSetTokens, ReadCountTakesPlainDecimalsThatFit) {
+  EXPECT_EQ(ReadCount("0"), 0);
+  EXPECT_EQ(ReadCount("0042"), 42);
+  EXPECT_EQ(ReadCount("2147483647"), 2147483647);
+  EXPECT_EQ(ReadCount("2147483648"), -1);
+  EXPECT_EQ(ReadCount("99999999999999"), -1);
+  EXPECT_EQ(ReadCount("+5"), -1);
+  EXPECT_EQ(ReadCount("5\r"), -1);
+  EXPECT_EQ(ReadCount(""), -1);
+  std::vector<std::string_view> tokens;
+  SplitTokens("\t a  b\r\nc ", " \t\n\r", tokens);
+  EXPECT_EQ(tokens, (std::vector<std::string_view>{"a", "b", "c"}));
+}
+
+TEST(GeneSetStat, CountsNeighbourPairs) {
+  GeneSet set;
+  const std::string text = "a + 1 99 99 1\nb + 50 151 102 1\nc - 200 299 100 2\n";
+  set.Parse(text.data(), text.data() + text.size());
+  EXPECT_EQ(set.StatText(), "0 1 1 0 0 0 \n");
+}
+
+TEST(GeneSetStat, ReportsDisorderAndMissingStrands) {
+  GeneSet set;
+  const std::string text =
+      "a + 1 300 300 1\nb + 10 99 90 1\n"  // b inside a: out of order
+      "x * 1 3 3 1\n"                      // no strand, coordinates -1
+      "c - 400 498 99 1\nd + 450 548 99 1\ne + 600 698 99 1\nf - 700 798 99 1\n";
+  set.Parse(text.data(), text.data() + text.size());
+  EXPECT_EQ(set.StatText(),
+            "0 9 299 98 check input data\n"
+            "9 -1 98 -1 check input data\n"
+            "no direction set for gene\n"
+            "1 0 1 0 0 1 \n");
+}
+
+TEST(GeneSetLoad, MissingOrBadGeneSetName) {
+  Param param;
+  GeneSet set;
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(set.Load(param));
+  param.Set("--geneset", "no-such.genes");
+  EXPECT_FALSE(set.Load(param));
+  param.Set("--shift_zero", "+1");
+  EXPECT_FALSE(set.LoadShifted(param, true));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "error: missing parameter --geneset\n"
+            "error: file <no-such.genes> is not found\n"
+            "error in value of parameter --shift_zero: +1\n");
+}
+
+}  // namespace
+}  // namespace genetrain
