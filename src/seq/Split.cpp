@@ -1,12 +1,293 @@
-#include "seq/SSeq.h"
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
 
 #include "common/Message.h"
+#include "seq/SSeq.h"
 
 namespace genetrain {
 
-bool SSeq::Split(Param&) {
-  PrintError({"error: command not yet available: --split"});
+namespace {
+
+struct SplitOptions {
+  std::string base;
+  std::string seqName;
+  std::int32_t size = 0;
+  std::int32_t minimum = 0;
+  std::int32_t lineWidth = 0;
+  std::int32_t maxRun = 0;
+  std::int32_t margin = 0;
+  bool noLabel = false;
+  bool soft = false;
+};
+
+// A piece length, line width or margin below zero has no meaning (a negative piece length would
+// never reach the end of a record): such a value is refused like a malformed one.
+bool GetOptNotNegative(Param& param, std::int32_t& target, std::string_view key) {
+  if (!param.GetOpt(target, key)) return false;
+  if (target >= 0) return true;
+  param.ReportBadValue(key);
   return false;
+}
+
+// Reads the settings in their fixed order; the first that fails ends the command.
+bool ReadOptions(Param& param, SplitOptions& options) {
+  if (const std::string* base = param.Find("--split"); base != nullptr) options.base = *base;
+  return param.GetWord(options.seqName, "--seq") &&
+         GetOptNotNegative(param, options.size, "--SPLIT_SIZE") &&
+         param.GetOpt(options.minimum, "--MIN_SPLIT_SIZE") &&
+         GetOptNotNegative(param, options.lineWidth, "--letters_per_line") &&
+         param.GetOpt(options.maxRun, "--max_nnn_substring") &&
+         GetOptNotNegative(param, options.margin, "--nnn_margin") &&
+         param.GetOpt(options.noLabel, "--NO_LABEL") && param.GetOpt(options.soft, "--soft");
+}
+
+void AppendNumber(std::string& out, std::int64_t number) {
+  std::array<char, 24> digits{};
+  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+  out.append(digits.data(), result.ptr);
+}
+
+constexpr std::array<bool, 256> MakeSoftMaskedTable() {
+  std::array<bool, 256> table{};
+  for (const unsigned char letter : {'a', 'c', 'g', 't'}) table[letter] = true;
+  return table;
+}
+
+constexpr std::array<bool, 256> kSoftMasked = MakeSoftMaskedTable();
+constexpr std::size_t kMaxMaskedN = 1000;
+
+// Capitals and N lack the 0x20 bit that every lower-case letter has: eight bytes without it
+// hold no soft-masked letter, and each of them ends a run.
+bool HoldsNoLowerCase(const char* bytes) {
+  constexpr std::uint64_t kLowerCaseBits = 0x2020202020202020;
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return (word & kLowerCaseBits) == 0;
+}
+
+// Caps soft-masked stretches: in every run of lower-case a, c, g, t the first 1000 letters become
+// N and the rest blanks, which every FASTA reader of this tool drops.
+void ConvertSoftMasked(char* begin, char* end) {
+  constexpr std::size_t kBlock = 8;
+  std::size_t run = 0;
+  char* letter = begin;
+  while (letter != end) {
+    const std::size_t step = std::min(static_cast<std::size_t>(end - letter), kBlock);
+    if (step == kBlock && HoldsNoLowerCase(letter)) {
+      run = 0;
+      letter += kBlock;
+      continue;
+    }
+    for (char* const stop = letter + step; letter != stop; ++letter) {
+      if (!kSoftMasked[static_cast<unsigned char>(*letter)]) {
+        run = 0;
+        continue;
+      }
+      ++run;
+      *letter = run <= kMaxMaskedN ? 'N' : ' ';
+    }
+  }
+}
+
+// Writes the whole text of a file. A text above 8 MB goes out in 8 MB slices: single writes of
+// hundreds of MB were several times slower under write-back pressure. Failure to open an output
+// file is not detected: the file is then simply missing.
+void WriteFile(const std::string& name, std::string_view text) {
+  constexpr std::size_t kSlice = std::size_t{8} << 20;
+  std::FILE* file = std::fopen(name.c_str(), "wb");
+  if (file == nullptr) return;
+  for (std::size_t pos = 0; pos < text.size(); pos += kSlice) {
+    const std::string_view slice = text.substr(pos, kSlice);
+    std::fwrite(slice.data(), 1, slice.size(), file);
+  }
+  std::fclose(file);
+}
+
+// Writes a label line and the letters [begin, end) of the sequence, after converting their
+// soft-masked letters (only --soft reading keeps lower case: without it there are none).
+// `text` is a scratch buffer kept between files.
+void WritePart(const std::string& name, std::string_view label, std::string& sequence,
+               std::size_t begin, std::size_t end, const SplitOptions& options, std::string& text) {
+  if (options.soft) ConvertSoftMasked(sequence.data() + begin, sequence.data() + end);
+  const std::string_view part = std::string_view(sequence).substr(begin, end - begin);
+  text.clear();
+  text.reserve(label.size() + 1 + part.size() + 1);
+  text.append(label).push_back('\n');
+  SSeq::WriteLines(part, static_cast<std::uint32_t>(options.lineWidth), text);
+  WriteFile(name, text);
+}
+
+// The same bytes as WritePart at line width 0, built in the record's own buffer: the label line
+// goes in front and the end of line after, so a large record is not copied. The record is used
+// up.
+void WriteRecordInPlace(const std::string& name, SeqRecord& record, bool soft) {
+  std::string text = std::move(record.sequence);
+  if (soft) ConvertSoftMasked(text.data(), text.data() + text.size());
+  if (!text.empty()) text.push_back('\n');
+  std::string labelLine;
+  labelLine.reserve(record.label.size() + 1);
+  labelLine.append(record.label).push_back('\n');
+  text.insert(0, labelLine);
+  WriteFile(name, text);
+}
+
+// One file per record; a record shorter than the minimum (compared unsigned, so a negative
+// minimum skips every record) keeps its number but is not written.
+void WriteWholeRecords(std::vector<SeqRecord>& records, const SplitOptions& options,
+                       std::string& text) {
+  std::int64_t k = 0;
+  for (SeqRecord& record : records) {
+    ++k;
+    if (record.sequence.size() < static_cast<std::size_t>(options.minimum)) continue;
+    if (options.lineWidth == 0) {
+      WriteRecordInPlace(SSeq::MakeName(options.base, "_", k), record, options.soft);
+      continue;
+    }
+    WritePart(SSeq::MakeName(options.base, "_", k), record.label, record.sequence, 0,
+              record.sequence.size(), options, text);
+  }
+}
+
+// The label line of a piece: its record's label and its 1-based first and last position.
+std::string PieceLabel(std::string_view label, std::int64_t first, std::int64_t last) {
+  std::string text = SSeq::MakeName(label, " SUBSTRING POS_L ", first);
+  text.append(" POS_R ");
+  AppendNumber(text, last);
+  return text;
+}
+
+// The label line of a piece under --NO_LABEL: its file name.
+std::string PieceLabel(std::string_view fileName) {
+  std::string text;
+  text.reserve(fileName.size() + 1);
+  text.push_back('>');
+  text.append(fileName);
+  return text;
+}
+
+// One file per piece of `options.size` letters; a remainder of at most `options.minimum` letters
+// joins the piece before it, and a piece not longer than the minimum keeps its number but is not
+// written. With a negative minimum the last piece still ends at the record's end.
+void WritePieces(std::vector<SeqRecord>& records, const SplitOptions& options, std::string& text) {
+  const std::int64_t size = options.size;
+  const std::int64_t minimum = options.minimum;
+  std::int64_t k = 0;
+  for (SeqRecord& record : records) {
+    const auto n = static_cast<std::int64_t>(record.sequence.size());
+    for (std::int64_t p = 0; p < n;) {
+      ++k;
+      const std::int64_t e = p + size + minimum >= n ? n : std::min(p + size, n);
+      if (e - p > minimum) {
+        const std::string name = SSeq::MakeName(options.base, "_", k);
+        const std::string label =
+            options.noLabel ? PieceLabel(name) : PieceLabel(record.label, p + 1, e);
+        WritePart(name, label, record.sequence, static_cast<std::size_t>(p),
+                  static_cast<std::size_t>(e), options, text);
+      }
+      p = e;
+    }
+  }
+}
+
+// The bounds of the pieces of a sequence cut at runs of N. Leading and trailing runs shrink to
+// the margin; inner runs longer than `maxRun` are cut, each neighbouring piece keeping `margin`
+// letters of the run (or what there is of the sequence). Each stretch is scanned once: memchr
+// finds the next N, a plain loop the end of its run.
+std::vector<SSeq::Range> PiecesAtN(std::string_view letters, std::int32_t maxRun,
+                                   std::int32_t margin) {
+  std::vector<SSeq::Range> pieces;
+  const std::size_t size = letters.size();
+  const std::size_t keep = margin > 0 ? static_cast<std::size_t>(margin) : 0;
+  std::size_t b = letters.find_first_not_of('N');
+  if (b == std::string_view::npos) return pieces;
+  std::size_t start = b > keep ? b - keep : 0;
+  for (;;) {
+    const std::size_t r = letters.find('N', b);
+    if (r == std::string_view::npos) {
+      pieces.push_back({start, size});
+      return pieces;
+    }
+    b = letters.find_first_not_of('N', r);
+    if (b == std::string_view::npos) {
+      pieces.push_back({start, std::min(r + keep, size)});
+      return pieces;
+    }
+    if (static_cast<std::int64_t>(b - r) <= maxRun) continue;
+    pieces.push_back({start, std::min(r + keep, size)});
+    start = b > keep ? b - keep : 0;
+  }
+}
+
+// A piece is labelled with its record's label and its 0-based offset in the record.
+std::string PieceName(std::string_view label, const SSeq::Range& range) {
+  return SSeq::MakeName(label, " ; ", static_cast<std::int64_t>(range.begin));
+}
+
+SeqRecord CopyPiece(const SeqRecord& record, const SSeq::Range& range) {
+  return {PieceName(record.label, range),
+          record.sequence.substr(range.begin, range.end - range.begin)};
+}
+
+// Replaces the records by their pieces. A record that stays one piece keeps its own buffer,
+// trimmed to the piece; the others are copied piece by piece and freed at once.
+void CutRecordsAtN(std::vector<SeqRecord>& records, std::int32_t maxRun, std::int32_t margin) {
+  std::vector<SeqRecord> pieces;
+  pieces.reserve(records.size());
+  for (SeqRecord& record : records) {
+    const std::vector<SSeq::Range> ranges = PiecesAtN(record.sequence, maxRun, margin);
+    if (ranges.size() == 1) {
+      std::string& letters = record.sequence;
+      letters.erase(ranges[0].end).erase(0, ranges[0].begin);
+      pieces.push_back({PieceName(record.label, ranges[0]), std::move(letters)});
+    } else {
+      for (const SSeq::Range& range : ranges) pieces.push_back(CopyPiece(record, range));
+    }
+    record = SeqRecord{};
+  }
+  records.swap(pieces);
+}
+
+}  // namespace
+
+std::string SSeq::MakeName(std::string_view first, std::string_view second, std::int64_t number) {
+  std::string name;
+  name.reserve(first.size() + second.size() + 20);
+  name.append(first).append(second);
+  AppendNumber(name, number);
+  return name;
+}
+
+std::vector<SeqRecord> SSeq::SplitAtN(const SeqRecord& record, std::int32_t maxRun,
+                                      std::int32_t margin) {
+  std::vector<SeqRecord> pieces;
+  for (const Range& range : PiecesAtN(record.sequence, maxRun, margin)) {
+    pieces.push_back(CopyPiece(record, range));
+  }
+  return pieces;
+}
+
+bool SSeq::Split(Param& param) {
+  SplitOptions options;
+  if (!ReadOptions(param, options)) return false;
+  if (options.soft) KeepCase();
+  if (options.base.empty()) options.base = options.seqName;
+  if (!ReadFasta(options.seqName)) return false;
+  if (records_.empty()) {
+    PrintError({"error: no sequence to split"});
+    return false;
+  }
+  if (options.maxRun > 0) CutRecordsAtN(records_, options.maxRun, options.margin);
+  std::string text;
+  if (options.size == 0) {
+    WriteWholeRecords(records_, options, text);
+  } else {
+    WritePieces(records_, options, text);
+  }
+  return true;
 }
 
 }  // namespace genetrain
