@@ -1,6 +1,7 @@
 #include "seq/SSeq.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace genetrain {
 
@@ -19,9 +20,15 @@ bool SSeq::ReadFasta(const std::string& name) {
 void SSeq::WriteLines(std::string_view text, std::uint32_t width, std::string& out) {
   if (text.empty()) return;
   const std::size_t step = width == 0 ? text.size() : width;
-  out.reserve(out.size() + text.size() + text.size() / step + 1);
+  const std::size_t lines = (text.size() + step - 1) / step;
+  const std::size_t start = out.size();
+  out.resize(start + text.size() + lines);  // grown once, then filled line by line
+  char* dst = out.data() + start;
   for (std::size_t pos = 0; pos < text.size(); pos += step) {
-    out.append(text.substr(pos, step)).push_back('\n');
+    const std::size_t length = std::min(step, text.size() - pos);
+    std::memcpy(dst, text.data() + pos, length);
+    dst[length] = '\n';
+    dst += length + 1;
   }
 }
 
