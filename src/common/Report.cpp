@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "common/Message.h"
+#include "common/Output.h"
 
 namespace genetrain {
 
@@ -65,13 +66,9 @@ bool Report::Write(const std::string& name, bool append) {
   if (!requests_.empty() && !CheckRequests()) return false;
   const std::string text = Text();
   if (name.empty()) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    return true;
-  }
-  std::FILE* file = std::fopen(name.c_str(), append_ ? "ab" : "wb");
-  if (file != nullptr) {
-    std::fwrite(text.data(), 1, text.size(), file);
-    std::fclose(file);
+    WriteStdout(text);
+  } else {
+    WriteFile(name, text, append_);  // an output that cannot be opened is not a failure
   }
   return true;
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "common/FileBuf.h"
+#include "common/Output.h"
 
 namespace genetrain {
 
@@ -156,8 +157,7 @@ std::string GeneSet::StatText() const {
 }
 
 void GeneSet::PrintStat() const {
-  const std::string text = StatText();
-  std::fwrite(text.data(), 1, text.size(), stdout);
+  WriteStdout(StatText());
 }
 
 bool RunGeneSetStat(Param& param) {

@@ -5,47 +5,39 @@
 #include <cstring>
 #include <string>
 
+#include "common/FileBuf.h"
 #include "common/Message.h"
+#include "common/Output.h"
+#include "seq/FastaScanner.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
 
 namespace {
 
-// Writes the text to the named file in one piece ("wb" truncates, "ab" appends). A file that
-// cannot be opened loses the text without notice: these commands do not check their outputs.
-void WriteFile(const std::string& name, std::string_view text, const char* mode) {
-  std::FILE* file = std::fopen(name.c_str(), mode);
-  if (file == nullptr) return;
-  std::fwrite(text.data(), 1, text.size(), file);
-  std::fclose(file);
-}
-
-void WriteStdout(std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
-// The room the joined text can need: every sequence and a filler between each two, and one spare
+// The room the joined text can need: every source and a filler between each two, and one spare
 // byte so that an end of line can follow without moving the text.
-std::size_t JoinCapacity(const std::vector<SeqRecord>& records, std::size_t fillerSize) {
+std::size_t JoinCapacity(const std::vector<std::string_view>& sources, std::size_t fillerSize) {
   std::size_t total = 1;
-  for (const SeqRecord& record : records) total += record.sequence.size();
-  if (!records.empty()) total += (records.size() - 1) * fillerSize;
+  for (const std::string_view source : sources) total += source.size();
+  if (!sources.empty()) total += (sources.size() - 1) * fillerSize;
   return total;
 }
 
-// Both joins; `ranges` is null for the unmarked one. The minimum arrives as a signed 32-bit
-// number (a minimum of 2^31 or more has turned negative and keeps every record). Counts are
-// 64-bit and compared as such: identical to a 32-bit comparison below 2^31 letters per record,
-// and a larger record is not cut to 32 bits.
-std::size_t Join(const std::vector<SeqRecord>& records, std::string& out, std::string_view filler,
-                 std::int32_t minimum, SSeq::Tally& all, SSeq::Tally& kept,
+// Both joins; `ranges` is null for the unmarked one. A source is a record's sequence, either as
+// read or as raw FASTA text (line ends and all): both are counted and copied through the
+// single-case view, which leaves read sequences as they are. The minimum arrives as a signed
+// 32-bit number (a minimum of 2^31 or more has turned negative and keeps every record). Counts
+// are 64-bit and compared as such: identical to a 32-bit comparison below 2^31 letters per
+// record, and a larger record is not cut to 32 bits.
+std::size_t Join(const std::vector<std::string_view>& sources, std::string& out,
+                 std::string_view filler, std::int32_t minimum, SSeq::Tally& all, SSeq::Tally& kept,
                  std::vector<SSeq::Range>* ranges) {
   out.clear();
-  out.reserve(JoinCapacity(records, filler.size()));
+  out.reserve(JoinCapacity(sources, filler.size()));
   std::size_t keptRecords = 0;
-  for (const SeqRecord& record : records) {
-    const SSeq::Tally own = SSeq::TallyLetters(record.sequence);
+  for (const std::string_view source : sources) {
+    const SSeq::Tally own = SSeq::TallyLetters(source);
     all.Add(own);
     if (static_cast<std::int64_t>(own.Unambiguous()) < minimum) continue;
     // The test is on the text, not on the count: records kept while the text is still empty
@@ -54,12 +46,33 @@ std::size_t Join(const std::vector<SeqRecord>& records, std::string& out, std::s
       if (ranges != nullptr) ranges->push_back({out.size(), out.size() + filler.size()});
       out.append(filler);
     }
-    out.append(record.sequence);
+    AppendLetters(source, UpperLetterTable(), out);
     kept.Add(own);
     ++keptRecords;
   }
   return keptRecords;
 }
+
+std::vector<std::string_view> Sequences(const std::vector<SeqRecord>& records) {
+  std::vector<std::string_view> sequences;
+  sequences.reserve(records.size());
+  for (const SeqRecord& record : records) sequences.push_back(record.sequence);
+  return sequences;
+}
+
+// A FASTA file whose records are joined straight from the loaded text: no record is copied.
+struct RawFasta {
+  FileBuf file;
+  std::vector<std::string_view> bodies;
+
+  bool Load(const std::string& name) {
+    if (!file.Load(name.c_str())) return false;
+    FastaScanner scanner(file.View());
+    FastaSpan span;
+    while (scanner.Next(span)) bodies.push_back(span.body);
+    return true;
+  }
+};
 
 // The end of the run of N that starts at `pos`.
 std::size_t RunEnd(const char* data, std::size_t pos, std::size_t size) {
@@ -77,12 +90,12 @@ std::size_t NextN(const char* data, std::size_t pos, std::size_t size) {
 
 std::size_t SSeq::JoinRecords(std::string& out, std::string_view filler, std::int32_t minimum,
                               Tally& all, Tally& kept) const {
-  return Join(records_, out, filler, minimum, all, kept, nullptr);
+  return Join(Sequences(records_), out, filler, minimum, all, kept, nullptr);
 }
 
 std::size_t SSeq::JoinRecordsMarked(std::string& out, std::string_view filler, std::int32_t minimum,
                                     Tally& all, Tally& kept, std::vector<Range>& ranges) const {
-  return Join(records_, out, filler, minimum, all, kept, &ranges);
+  return Join(Sequences(records_), out, filler, minimum, all, kept, &ranges);
 }
 
 // One pass with a read and a write cursor: text before a run moves down by what earlier runs
@@ -182,29 +195,33 @@ bool SSeq::CleanJoin(Param& param) {
   const std::string outName = target != nullptr ? *target : std::string();
   JoinOptions options;
   if (!ReadJoinOptions(param, options)) return false;
-  if (!ReadFasta(options.seq)) return false;
-
   std::string joined;
   Tally all;
   Tally kept;
-  const std::size_t keptRecords =
-      JoinRecords(joined, options.filler, static_cast<std::int32_t>(options.minContig), all, kept);
+  std::size_t records = 0;
+  std::size_t keptRecords = 0;
+  {
+    RawFasta input;
+    if (!input.Load(options.seq)) return false;
+    records = input.bodies.size();
+    keptRecords = Join(input.bodies, joined, options.filler,
+                       static_cast<std::int32_t>(options.minContig), all, kept, nullptr);
+  }
   if (options.maxN >= 0) TrimNRuns(joined, options.maxN);
 
   if (const std::string* log = param.Find("--log")) {
-    const std::string report =
-        JoinReport(records_.size(), keptRecords, all, kept, joined.size(), options);
+    const std::string report = JoinReport(records, keptRecords, all, kept, joined.size(), options);
     if (log->empty()) {
       WriteStdout(report);
     } else {
-      WriteFile(*log, report, "ab");
+      WriteFile(*log, report, true);
     }
   }
   if (outName.empty()) {
     joined.push_back('\n');  // the spare byte of the join: no reallocation
     WriteStdout(joined);
   } else {
-    WriteFile(outName, joined, "wb");
+    WriteFile(outName, joined);
   }
   return true;
 }
@@ -240,21 +257,23 @@ bool ReadCleanOptions(Param& param, CleanOptions& options) {
 bool SSeq::Clean(Param& param) {
   CleanOptions options;
   if (!ReadCleanOptions(param, options)) return false;
-  if (!ReadFasta(options.seq)) return false;
-
   std::string joined;
   Tally all;
   Tally kept;
   std::vector<Range> ranges;
-  JoinRecordsMarked(joined, options.filler, static_cast<std::int32_t>(options.minContig), all, kept,
-                    ranges);
+  {
+    RawFasta input;
+    if (!input.Load(options.seq)) return false;
+    Join(input.bodies, joined, options.filler, static_cast<std::int32_t>(options.minContig), all,
+         kept, &ranges);
+  }
   if (options.replaceN) ReplaceNRuns(joined, ranges, options.left, options.right);
-  WriteFile(options.outClean, joined, "wb");
+  WriteFile(options.outClean, joined);
 
   for (const Range& range : ranges) {
     std::memset(joined.data() + range.begin, 'N', range.end - range.begin);
   }
-  WriteFile(options.outMasked, joined, "wb");
+  WriteFile(options.outMasked, joined);
 
   // Signed as the option is; 64-bit so that a count beyond 2^31 is not taken as negative.
   if (static_cast<std::int64_t>(kept.Unambiguous()) < options.minSeq) {

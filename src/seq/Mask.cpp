@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/Message.h"
+#include "common/Output.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
@@ -120,7 +121,7 @@ bool SSeq::Mask(Param& param) {
   std::string out;
   out.reserve(record.label.size() + record.sequence.size() + 2);
   out.append(record.label).append("\n").append(record.sequence).append("\n");
-  std::fwrite(out.data(), 1, out.size(), file);
+  WriteAll(file, out);
   std::fclose(file);
   return true;
 }

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "common/FileBuf.h"
+#include "common/Output.h"
 #include "seq/FastaScanner.h"
 #include "seq/MSSeq.h"
 #include "seq/SSeq.h"
@@ -144,7 +145,7 @@ bool WriteEachRecord(const std::string& name, AppendRecord&& appendRecord) {
   FastaScanner scanner(file.View());
   FastaSpan record;
   while (scanner.Next(record)) appendRecord(out, record);
-  std::fwrite(out.data(), 1, out.size(), stdout);
+  WriteStdout(out);
   return true;
 }
 

@@ -7,21 +7,11 @@
 
 #include "seq/MSSeq.h"
 
+#include "common/Output.h"
+
 namespace genetrain {
 
 namespace {
-
-// Truncates the file and writes the text; a file that cannot be opened loses it silently.
-void WriteFile(const std::string& name, std::string_view text) {
-  std::FILE* file = std::fopen(name.c_str(), "wb");
-  if (file == nullptr) return;
-  std::fwrite(text.data(), 1, text.size(), file);
-  std::fclose(file);
-}
-
-void WriteStdout(std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-}
 
 // The letters of a coding sequence kept for training: all but the first `left` and the last
 // `right`. Margins that meet or cross leave nothing.

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "common/Message.h"
+#include "common/Output.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
@@ -91,20 +92,6 @@ void ConvertSoftMasked(char* begin, char* end) {
       *letter = run <= kMaxMaskedN ? 'N' : ' ';
     }
   }
-}
-
-// Writes the whole text of a file. A text above 8 MB goes out in 8 MB slices: single writes of
-// hundreds of MB were several times slower under write-back pressure. Failure to open an output
-// file is not detected: the file is then simply missing.
-void WriteFile(const std::string& name, std::string_view text) {
-  constexpr std::size_t kSlice = std::size_t{8} << 20;
-  std::FILE* file = std::fopen(name.c_str(), "wb");
-  if (file == nullptr) return;
-  for (std::size_t pos = 0; pos < text.size(); pos += kSlice) {
-    const std::string_view slice = text.substr(pos, kSlice);
-    std::fwrite(slice.data(), 1, slice.size(), file);
-  }
-  std::fclose(file);
 }
 
 // Writes a label line and the letters [begin, end) of the sequence, after converting their
