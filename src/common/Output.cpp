@@ -24,4 +24,12 @@ bool WriteFile(const std::string& name, std::string_view text, bool append) {
   return true;
 }
 
+bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts) {
+  std::FILE* file = std::fopen(name.c_str(), "wb");
+  if (file == nullptr) return false;
+  for (const std::string_view part : parts) WriteAll(file, part);
+  std::fclose(file);
+  return true;
+}
+
 }  // namespace genetrain

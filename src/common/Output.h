@@ -2,6 +2,7 @@
 #define GENETRAIN_COMMON_OUTPUT_H
 
 #include <cstdio>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,8 @@ void WriteStdout(std::string_view text);
 // Writes the text to the named file, truncating it or appending to it. The commands do not
 // check their outputs: a file that cannot be opened loses the text, and false says so.
 bool WriteFile(const std::string& name, std::string_view text, bool append = false);
+// The same for a text in parts, written one after the other without joining them first.
+bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts);
 
 }  // namespace genetrain
 

@@ -5,8 +5,10 @@
 #include <cstring>
 #include <iterator>
 
+#include "common/FileBuf.h"
 #include "common/Message.h"
 #include "common/Output.h"
+#include "seq/FastaScanner.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
@@ -95,48 +97,30 @@ void ConvertSoftMasked(char* begin, char* end) {
 }
 
 // Writes a label line and the letters [begin, end) of the sequence, after converting their
-// soft-masked letters (only --soft reading keeps lower case: without it there are none).
-// `text` is a scratch buffer kept between files.
+// soft-masked letters (only --soft reading keeps lower case: without it there are none). At line
+// width 0 the letters go out as they stand; otherwise `text` is a scratch buffer kept between
+// files.
 void WritePart(const std::string& name, std::string_view label, std::string& sequence,
                std::size_t begin, std::size_t end, const SplitOptions& options, std::string& text) {
   if (options.soft) ConvertSoftMasked(sequence.data() + begin, sequence.data() + end);
   const std::string_view part = std::string_view(sequence).substr(begin, end - begin);
-  text.clear();
-  text.reserve(label.size() + 1 + part.size() + 1);
-  text.append(label).push_back('\n');
-  SSeq::WriteLines(part, static_cast<std::uint32_t>(options.lineWidth), text);
-  WriteFile(name, text);
-}
-
-// The same bytes as WritePart at line width 0, built in the record's own buffer: the label line
-// goes in front and the end of line after, so a large record is not copied. The record is used
-// up.
-void WriteRecordInPlace(const std::string& name, SeqRecord& record, bool soft) {
-  std::string text = std::move(record.sequence);
-  if (soft) ConvertSoftMasked(text.data(), text.data() + text.size());
-  if (!text.empty()) text.push_back('\n');
-  std::string labelLine;
-  labelLine.reserve(record.label.size() + 1);
-  labelLine.append(record.label).push_back('\n');
-  text.insert(0, labelLine);
-  WriteFile(name, text);
-}
-
-// One file per record; a record shorter than the minimum (compared unsigned, so a negative
-// minimum skips every record) keeps its number but is not written.
-void WriteWholeRecords(std::vector<SeqRecord>& records, const SplitOptions& options,
-                       std::string& text) {
-  std::int64_t k = 0;
-  for (SeqRecord& record : records) {
-    ++k;
-    if (record.sequence.size() < static_cast<std::size_t>(options.minimum)) continue;
-    if (options.lineWidth == 0) {
-      WriteRecordInPlace(SSeq::MakeName(options.base, "_", k), record, options.soft);
-      continue;
-    }
-    WritePart(SSeq::MakeName(options.base, "_", k), record.label, record.sequence, 0,
-              record.sequence.size(), options, text);
+  if (options.lineWidth == 0) {
+    WriteFile(name, {label, "\n", part, part.empty() ? "" : "\n"});
+    return;
   }
+  text.clear();
+  SSeq::WriteLines(part, static_cast<std::uint32_t>(options.lineWidth), text);
+  WriteFile(name, {label, "\n", text});
+}
+
+// The whole record in one file; a record shorter than the minimum (compared unsigned, so a
+// negative minimum skips every record) keeps its number but is not written.
+void WriteWholeRecord(std::string_view label, std::string& sequence, const SplitOptions& options,
+                      std::int64_t& k, std::string& text) {
+  ++k;
+  if (sequence.size() < static_cast<std::size_t>(options.minimum)) return;
+  WritePart(SSeq::MakeName(options.base, "_", k), label, sequence, 0, sequence.size(), options,
+            text);
 }
 
 // The label line of a piece: its record's label and its 1-based first and last position.
@@ -159,24 +143,31 @@ std::string PieceLabel(std::string_view fileName) {
 // One file per piece of `options.size` letters; a remainder of at most `options.minimum` letters
 // joins the piece before it, and a piece not longer than the minimum keeps its number but is not
 // written. With a negative minimum the last piece still ends at the record's end.
-void WritePieces(std::vector<SeqRecord>& records, const SplitOptions& options, std::string& text) {
+void WritePieces(std::string_view label, std::string& sequence, const SplitOptions& options,
+                 std::int64_t& k, std::string& text) {
   const std::int64_t size = options.size;
   const std::int64_t minimum = options.minimum;
-  std::int64_t k = 0;
-  for (SeqRecord& record : records) {
-    const auto n = static_cast<std::int64_t>(record.sequence.size());
-    for (std::int64_t p = 0; p < n;) {
-      ++k;
-      const std::int64_t e = p + size + minimum >= n ? n : std::min(p + size, n);
-      if (e - p > minimum) {
-        const std::string name = SSeq::MakeName(options.base, "_", k);
-        const std::string label =
-            options.noLabel ? PieceLabel(name) : PieceLabel(record.label, p + 1, e);
-        WritePart(name, label, record.sequence, static_cast<std::size_t>(p),
-                  static_cast<std::size_t>(e), options, text);
-      }
-      p = e;
+  const auto n = static_cast<std::int64_t>(sequence.size());
+  for (std::int64_t p = 0; p < n;) {
+    ++k;
+    const std::int64_t e = p + size + minimum >= n ? n : std::min(p + size, n);
+    if (e - p > minimum) {
+      const std::string name = SSeq::MakeName(options.base, "_", k);
+      const std::string pieceLabel =
+          options.noLabel ? PieceLabel(name) : PieceLabel(label, p + 1, e);
+      WritePart(name, pieceLabel, sequence, static_cast<std::size_t>(p),
+                static_cast<std::size_t>(e), options, text);
     }
+    p = e;
+  }
+}
+
+void WriteRecordOrPieces(std::string_view label, std::string& sequence, const SplitOptions& options,
+                         std::int64_t& k, std::string& text) {
+  if (options.size == 0) {
+    WriteWholeRecord(label, sequence, options, k, text);
+  } else {
+    WritePieces(label, sequence, options, k, text);
   }
 }
 
@@ -219,23 +210,19 @@ SeqRecord CopyPiece(const SeqRecord& record, const SSeq::Range& range) {
           record.sequence.substr(range.begin, range.end - range.begin)};
 }
 
-// Replaces the records by their pieces. A record that stays one piece keeps its own buffer,
-// trimmed to the piece; the others are copied piece by piece and freed at once.
-void CutRecordsAtN(std::vector<SeqRecord>& records, std::int32_t maxRun, std::int32_t margin) {
-  std::vector<SeqRecord> pieces;
-  pieces.reserve(records.size());
-  for (SeqRecord& record : records) {
-    const std::vector<SSeq::Range> ranges = PiecesAtN(record.sequence, maxRun, margin);
-    if (ranges.size() == 1) {
-      std::string& letters = record.sequence;
-      letters.erase(ranges[0].end).erase(0, ranges[0].begin);
-      pieces.push_back({PieceName(record.label, ranges[0]), std::move(letters)});
-    } else {
-      for (const SSeq::Range& range : ranges) pieces.push_back(CopyPiece(record, range));
-    }
-    record = SeqRecord{};
+// Writes one record, or its pieces when cutting at runs of N: a piece stands in the record's
+// buffer, so nothing is copied.
+void WriteRecord(std::string_view label, std::string& letters, const SplitOptions& options,
+                 std::int64_t& k, std::string& text) {
+  if (options.maxRun <= 0) {
+    WriteRecordOrPieces(label, letters, options, k, text);
+    return;
   }
-  records.swap(pieces);
+  std::string piece;
+  for (const SSeq::Range& range : PiecesAtN(letters, options.maxRun, options.margin)) {
+    piece.assign(letters, range.begin, range.end - range.begin);
+    WriteRecordOrPieces(PieceName(label, range), piece, options, k, text);
+  }
 }
 
 }  // namespace
@@ -257,23 +244,29 @@ std::vector<SeqRecord> SSeq::SplitAtN(const SeqRecord& record, std::int32_t maxR
   return pieces;
 }
 
+// Records are read one at a time from the loaded file into one buffer, and written at once:
+// the file is held once, the records never all together.
 bool SSeq::Split(Param& param) {
   SplitOptions options;
   if (!ReadOptions(param, options)) return false;
   if (options.soft) KeepCase();
   if (options.base.empty()) options.base = options.seqName;
-  if (!ReadFasta(options.seqName)) return false;
-  if (records_.empty()) {
+  FileBuf file;
+  if (!file.Load(options.seqName.c_str())) return false;
+  FastaScanner scanner(file.View());
+  FastaSpan span;
+  if (!scanner.Next(span)) {
     PrintError({"error: no sequence to split"});
     return false;
   }
-  if (options.maxRun > 0) CutRecordsAtN(records_, options.maxRun, options.margin);
+  std::int64_t k = 0;
+  std::string letters;
   std::string text;
-  if (options.size == 0) {
-    WriteWholeRecords(records_, options, text);
-  } else {
-    WritePieces(records_, options, text);
-  }
+  do {
+    letters.clear();
+    AppendLetters(span.body, *table_, letters);
+    WriteRecord(span.label, letters, options, k, text);
+  } while (scanner.Next(span));
   return true;
 }
 
