@@ -7,18 +7,16 @@
 
 namespace genetrain {
 
-namespace {
-
-void AppendEntry(std::string& text, std::string_view label, std::string_view value) {
-  text.append(label).append(value).push_back('\n');
-}
-
-}  // namespace
-
 void Report::Set(std::string_view key, std::string_view label, std::string_view value) {
   Entry& entry = table_[std::string(key)];
   entry.label.assign(label);
   entry.value.assign(value);
+}
+
+void Report::Set(std::string_view key, std::string_view label, std::string&& value) {
+  Entry& entry = table_[std::string(key)];
+  entry.label.assign(label);
+  entry.value = std::move(value);
 }
 
 void Report::SetInt(std::string_view key, std::string_view label, std::int64_t value) {
@@ -44,16 +42,23 @@ bool Report::CheckRequests() const {
   return true;
 }
 
-std::string Report::Text() const {
-  std::string text;
+std::vector<const Report::Entry*> Report::Selected() const {
+  std::vector<const Entry*> entries;
   if (requests_.empty()) {
-    for (const auto& [key, entry] : table_) AppendEntry(text, entry.label, entry.value);
-    return text;
+    for (const auto& [key, entry] : table_) entries.push_back(&entry);
+    return entries;
   }
   for (const std::string& key : requests_) {
     const auto it = table_.find(key);
-    if (it != table_.end()) AppendEntry(text, it->second.label, it->second.value);
+    if (it != table_.end()) entries.push_back(&it->second);
   }
+  return entries;
+}
+
+std::string Report::Text() const {
+  std::string text;
+  for (const Entry* entry : Selected())
+    text.append(entry->label).append(entry->value).push_back('\n');
   return text;
 }
 
@@ -61,15 +66,18 @@ bool Report::Write(const std::string& name) {
   return Write(name, false);
 }
 
+// Entries go out one after the other, without being joined into one text first.
 bool Report::Write(const std::string& name, bool append) {
   append_ = append;
   if (!requests_.empty() && !CheckRequests()) return false;
-  const std::string text = Text();
-  if (name.empty()) {
-    WriteStdout(text);
-  } else {
-    WriteFile(name, text, append_);  // an output that cannot be opened is not a failure
+  std::FILE* stream = name.empty() ? stdout : std::fopen(name.c_str(), append_ ? "ab" : "wb");
+  if (stream == nullptr) return true;  // an output that cannot be opened is not a failure
+  for (const Entry* entry : Selected()) {
+    WriteAll(stream, entry->label);
+    WriteAll(stream, entry->value);
+    WriteAll(stream, "\n");
   }
+  if (stream != stdout) std::fclose(stream);
   return true;
 }
 

@@ -15,6 +15,11 @@ namespace genetrain {
 class Report {
  public:
   void Set(std::string_view key, std::string_view label, std::string_view value);
+  // The same, taking over a large value instead of copying it.
+  void Set(std::string_view key, std::string_view label, std::string&& value);
+  void Set(std::string_view key, std::string_view label, const char* value) {
+    Set(key, label, std::string_view(value));
+  }
   void SetInt(std::string_view key, std::string_view label, std::int64_t value);
   void Request(std::string_view key) { requests_.emplace_back(key); }
   void ClearRequests() { requests_.clear(); }
@@ -36,6 +41,8 @@ class Report {
     std::string label;
     std::string value;
   };
+  // The entries to write, in output order.
+  std::vector<const Entry*> Selected() const;
 
   std::vector<std::string> requests_;
   bool append_ = false;
