@@ -1,10 +1,19 @@
 #ifndef GENETRAIN_COMMON_FORMAT_H
 #define GENETRAIN_COMMON_FORMAT_H
 
+#include <charconv>
+#include <concepts>
 #include <cstdint>
 #include <string>
 
 namespace genetrain {
+
+// An integer in plain decimal, appended without a temporary text.
+template <std::integral Integer>
+void AppendInteger(std::string& text, Integer value) {
+  char digits[24];
+  text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
 
 // Precisions beyond this many digits print as this many: a double holds no more.
 inline constexpr std::uint32_t kMaxPrecision = 340;

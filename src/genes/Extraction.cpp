@@ -1,22 +1,220 @@
-#include "genes/Genome.h"
+// Training material from one annotated sequence: coding pieces cut from the genes, non-coding
+// runs between them, the files they are written to, and the commands --parse, --intergenic and
+// --STAT_NON_VS_ALL.
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "common/Format.h"
 #include "common/Message.h"
+#include "common/Output.h"
+#include "genes/Genome.h"
 
 namespace genetrain {
 
-bool RunParse(Genome&, Param&) {
-  PrintError({"error: command not yet available: --parse"});
-  return false;
+namespace {
+
+constexpr std::string_view kMaskError = "error, if this is printed - error in code\n";
+
+// The margins of --parse; --intergenic reads and checks them as well but does not use them.
+bool ReadMargins(Param& param, int& left, int& right) {
+  std::uint32_t leftMargin = 0;
+  std::int32_t rightMargin = 0;
+  if (!param.GetOpt(leftMargin, "--COD_L_MARGIN")) return false;
+  if (!param.GetOpt(rightMargin, "--COD_R_MARGIN")) return false;
+  left = ClampToInt(leftMargin);
+  right = rightMargin;
+  return true;
 }
 
-bool RunIntergenic(Genome&, Param&) {
-  PrintError({"error: command not yet available: --intergenic"});
-  return false;
+struct CodingRules {
+  std::int64_t left_margin;
+  std::int64_t right_margin;
+  std::int64_t min_cod;
+  bool exclude_partial;
+};
+
+// Cuts the training piece of one gene: the start end loses the left margin and the stop end the
+// right margin, in the gene's own direction. False when the gene is turned away.
+bool CodingPiece(const VSeq& seq, const GENE& gene, const CodingRules& rules, CodeSeq& piece) {
+  if (!gene.valid) return false;
+  const std::int64_t margins = rules.left_margin + rules.right_margin;
+  const std::int64_t trimmed = std::int64_t{gene.right} - gene.left + 1 - margins;
+  if (trimmed < rules.min_cod) return false;
+  if (rules.exclude_partial && (!gene.left_complete || !gene.right_complete)) return false;
+  if (std::int64_t{gene.right} - gene.left < margins) return false;
+  // A negative right margin may reach past the sequence: GeneSeq clips, the length check below
+  // then turns the gene away.
+  if (gene.strand == 2) {
+    piece = seq.GeneSeq(ClampToInt(gene.left + rules.right_margin),
+                        ClampToInt(gene.right - rules.left_margin), 2);
+  } else {
+    piece = seq.GeneSeq(ClampToInt(gene.left + rules.left_margin),
+                        ClampToInt(gene.right - rules.right_margin), 1);
+  }
+  return static_cast<std::int64_t>(piece.size()) == trimmed;
 }
 
-bool RunStatNonVsAll(Genome&, Param&) {
-  PrintError({"error: command not yet available: --STAT_NON_VS_ALL"});
-  return false;
+// "%g": six significant digits, as a default output stream writes a double.
+void AppendGeneral(std::string& text, double value) {
+  std::array<char, 32> buffer{};
+  const int size = std::snprintf(buffer.data(), buffer.size(), "%g", value);
+  text.append(buffer.data(), static_cast<std::size_t>(size));
+}
+
+using BaseCounts = std::array<std::uint64_t, 256>;
+
+void CountCodes(const CodeSeq& codes, BaseCounts& counts) {
+  for (const std::uint8_t code : codes) ++counts[code];
+}
+
+// (C + G) * 100 / (A + C + G + T), 0 without any of the four.
+double GcPercent(const BaseCounts& counts) {
+  const std::uint64_t acgt = counts[kA] + counts[kC] + counts[kG] + counts[kT];
+  if (acgt == 0) return 0;
+  return static_cast<double>(counts[kC] + counts[kG]) * 100 / static_cast<double>(acgt);
+}
+
+}  // namespace
+
+void Genome::ExtractCoding(const VSeq& seq, const GeneSet& set, int left_margin, int right_margin) {
+  const CodingRules rules{left_margin, right_margin, min_cod, exclude_partial};
+  cod1.reserve(cod1.size() + set.genes.size());
+  for (const GENE& gene : set.genes) {
+    CodeSeq piece;
+    if (!CodingPiece(seq, gene, rules, piece)) {
+      rejected.push_back(gene);
+      continue;
+    }
+    std::vector<CodeSeq>& list = separate_cod && gene.gene_class == 2 ? cod2 : cod1;
+    list.push_back(std::move(piece));
+  }
+}
+
+void Genome::ExtractNonCoding(const VSeq& seq, const GeneSet& set) {
+  CodeSeq masked = seq.sequence;
+  const std::int64_t length = static_cast<std::int64_t>(masked.size());
+  std::string errors;
+  for (const GENE& gene : set.genes) {
+    if (gene.left == -1 || gene.right == -1) continue;
+    if (gene.left < 0 || std::int64_t{gene.right} + 1 > length) {
+      errors.append(kMaskError);
+      continue;
+    }
+    // A two-column line may give left > right: that span is empty, nothing is masked.
+    if (gene.left > gene.right) continue;
+    std::fill(masked.begin() + gene.left, masked.begin() + gene.right + 1, kMasked);
+  }
+  WriteAll(stderr, errors);
+
+  const auto isOpen = [](std::uint8_t code) { return code != kMasked; };
+  auto run = std::find_if(masked.begin(), masked.end(), isOpen);
+  while (run != masked.end()) {
+    const auto runEnd = std::find(run, masked.end(), kMasked);
+    if (static_cast<std::uint64_t>(runEnd - run) >= min_non) non.emplace_back(run, runEnd);
+    run = std::find_if(runEnd, masked.end(), isOpen);
+  }
+}
+
+std::string Genome::WriteCoding() const {
+  constexpr std::string_view kHeader1 = ">cod1\n", kHeader2 = ">cod2\n";
+  std::size_t size = kHeader1.size() + (cod2.empty() ? 0 : kHeader2.size());
+  for (const CodeSeq& piece : cod1) size += piece.size() + 1;
+  for (const CodeSeq& piece : cod2) size += piece.size() + 1;
+  std::string text;
+  text.reserve(size);
+  text.append(kHeader1);
+  for (const CodeSeq& piece : cod1) AppendSeq(text, piece);
+  if (!cod2.empty()) {
+    text.append(kHeader2);
+    for (const CodeSeq& piece : cod2) AppendSeq(text, piece);
+  }
+  return text;
+}
+
+std::string Genome::WriteNonCoding() const {
+  std::size_t size = 0;
+  for (const CodeSeq& run : non) size += run.size() + 1;
+  std::string text;
+  text.reserve(size);
+  for (const CodeSeq& run : non) AppendSeq(text, run);
+  return text;
+}
+
+bool RunParse(Genome& genome, Param& param) {
+  if (!param.Has("--cod")) {
+    PrintError({"error, key missing ", "--cod"});
+    return false;
+  }
+  if (!param.IsWord("--cod")) {
+    PrintError({"error, file name missing ", "--cod"});
+    return false;
+  }
+  if (!param.IsWord("--non")) {
+    PrintError({"error, key missing ", "--non"});
+    return false;
+  }
+  int left = 0, right = 0;
+  if (!ReadMargins(param, left, right)) return false;
+  VSeq seq;
+  GeneSet set;
+  if (!LoadAnnotated(seq, set, param, false)) return false;
+  genome.ExtractCoding(seq, set, left, right);
+  genome.ExtractNonCoding(seq, set);
+  WriteFile(*param.Find("--cod"), genome.WriteCoding());
+  WriteFile(*param.Find("--non"), genome.WriteNonCoding());
+  return true;
+}
+
+bool RunIntergenic(Genome& genome, Param& param) {
+  if (!param.IsWord("--non")) {
+    PrintError({"error, key missing ", "--non"});
+    return false;
+  }
+  int left = 0, right = 0;
+  if (!ReadMargins(param, left, right)) return false;
+  VSeq seq;
+  GeneSet set;
+  if (!LoadAnnotated(seq, set, param, true)) return false;
+  genome.ExtractNonCoding(seq, set);
+  WriteFile(*param.Find("--non"), genome.WriteNonCoding());
+  return true;
+}
+
+bool RunStatNonVsAll(Genome& genome, Param& param) {
+  VSeq seq;
+  GeneSet set;
+  if (!LoadAnnotated(seq, set, param, false)) return false;
+  genome.seq_length = set.max_right;
+  genome.ExtractNonCoding(seq, set);
+
+  BaseCounts nonCounts{};
+  std::uint64_t nonLength = 0;
+  for (const CodeSeq& run : genome.non) {
+    CountCodes(run, nonCounts);
+    nonLength += run.size();
+  }
+  if (genome.seq_length == 0) {
+    PrintError({"error: sequence size is <0>"});
+    return false;
+  }
+  BaseCounts allCounts{};
+  CountCodes(seq.sequence, allCounts);
+
+  std::string line;
+  AppendGeneral(line, static_cast<double>(nonLength) / genome.seq_length);
+  line.append("  ");
+  AppendFixed(line, GcPercent(allCounts), 1);
+  line.push_back(' ');
+  AppendGeneral(line, GcPercent(nonCounts));
+  line.push_back('\n');
+  WriteStdout(line);
+  return true;
 }
 
 }  // namespace genetrain

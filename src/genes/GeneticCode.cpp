@@ -1,8 +1,10 @@
 // The gene commands' view of a sequence: stop codons and gene pieces.
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <string>
 
+#include "common/Output.h"
 #include "genes/Genome.h"
 #include "seq/VSeq.h"
 
@@ -18,6 +20,14 @@ bool VSeq::LoadForGenes(Param& param) {
   std::string name;
   if (!param.GetWord(name, "--seq")) return false;
   return ReadSingle(name);
+}
+
+bool LoadAnnotated(VSeq& seq, GeneSet& set, Param& param, bool twoColumn) {
+  if (!seq.LoadForGenes(param)) return false;
+  // The gene limit is the sequence length in bases.
+  set.max_right = static_cast<std::int32_t>(
+      std::min<std::size_t>(seq.sequence.size(), std::numeric_limits<std::int32_t>::max()));
+  return twoColumn ? set.LoadShifted(param, true) : set.Load(param);
 }
 
 CodeSeq VSeq::GeneSeq(int left, int right, int strand) const {
@@ -41,7 +51,7 @@ CodeSeq VSeq::GeneSeq(int left, int right, int strand) const {
     std::string warning = "warning, STOP codon found inside protein: ";
     warning.append(std::to_string(left)).append(" ").append(std::to_string(right));
     warning.append(" ").append(std::to_string(end)).push_back('\n');
-    std::fwrite(warning.data(), 1, warning.size(), stdout);
+    WriteStdout(warning);
     return {};
   }
   return piece;

@@ -1,8 +1,10 @@
 #ifndef GENETRAIN_GENES_GENOME_H
 #define GENETRAIN_GENES_GENOME_H
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -61,6 +63,16 @@ class Genome {
 // Codon indices 16 * b1 + 4 * b2 + b3 of the codons the gene commands name.
 inline constexpr unsigned kCodonATG = 14, kCodonCTG = 30, kCodonGTG = 46, kCodonTTG = 62;
 inline constexpr unsigned kCodonTAA = 48, kCodonTAG = 50, kCodonTGA = 56;
+
+// A 64-bit coordinate held at the ends of the int range.
+inline int ClampToInt(std::int64_t value) {
+  return static_cast<int>(std::clamp<std::int64_t>(value, std::numeric_limits<int>::min(),
+                                                   std::numeric_limits<int>::max()));
+}
+
+// The sequence from --seq (with the stop codons of --TAA_, --TGA_, --TAG_) and the gene set from
+// --geneset, whose genes may not end past the sequence; two columns for --intergenic.
+bool LoadAnnotated(VSeq& seq, GeneSet& set, Param& param, bool twoColumn);
 
 // Command handlers; each gets the genome built from the parameters.
 bool RunParse(Genome& genome, Param& param);

@@ -1,17 +1,220 @@
+// The ORF lists and the two ORF commands.
 #include "genes/Orf.h"
 
+#include "common/Format.h"
+#include "common/Output.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <limits>
+#include <string_view>
+
 #include "common/Message.h"
+#include "genes/GeneSet.h"
+#include "genes/Genome.h"
 
 namespace genetrain {
 
-bool RunOrf(ORF&, Param&) {
-  PrintError({"error: command not yet available: --orf"});
-  return false;
+namespace {
+
+// Bases between start and stop codon, less the margins, read as 1-based positions.
+struct Interior {
+  std::int64_t from;
+  std::int64_t to;
+};
+
+Interior InteriorOf(const GENE& orf, std::int64_t left_margin, std::int64_t right_margin) {
+  // The left margin is always taken at the start codon, the right one at the stop codon.
+  if (orf.strand == 1) return {orf.left + left_margin + 2, orf.right - 2 - right_margin};
+  return {orf.left + right_margin + 2, orf.right - 2 - left_margin};
 }
 
-bool RunOrfPerSeq(ORF&, Param&) {
-  PrintError({"error: command not yet available: --ORF_PER_SEQ"});
-  return false;
+// Numbers separated by blanks, then an end of line, appended in one piece.
+template <std::size_t kCount>
+void AppendNumbers(std::string& text, const std::array<std::int64_t, kCount>& numbers) {
+  std::array<char, kCount * 21> line;
+  char* end = line.data();
+  for (std::size_t i = 0; i < kCount; ++i) {
+    end = std::to_chars(end, line.data() + line.size() - 1, numbers[i]).ptr;
+    *end++ = i + 1 < kCount ? ' ' : '\n';
+  }
+  text.append(line.data(), end);
+}
+
+// Letters of the codes, plain and complemented: A, C, G, T, and N for any other code.
+using LetterOfCode = std::array<char, 256>;
+
+constexpr LetterOfCode LettersFor(std::string_view acgt) {
+  LetterOfCode letters{};
+  for (std::size_t code = 0; code < letters.size(); ++code)
+    letters[code] = code < 4 ? acgt[code] : 'N';
+  return letters;
+}
+
+constexpr LetterOfCode kLetters = LettersFor("ACGT");
+constexpr LetterOfCode kComplements = LettersFor("TGCA");
+
+// The span as indices into the sequence: margins may reach past either end.
+Interior Clipped(Interior span, const CodeSeq& codes) {
+  return {std::max<std::int64_t>(span.from, 0),
+          std::min<std::int64_t>(span.to, static_cast<std::int64_t>(codes.size()) - 1)};
+}
+
+std::size_t LengthOf(Interior span) {
+  return span.from <= span.to ? static_cast<std::size_t>(span.to - span.from + 1) : 0;
+}
+
+// Bases from .. to (0-based, inclusive, clipped to the sequence) and an end of line; read
+// backwards and complemented for the reverse strand.
+void AppendBases(std::string& text, const CodeSeq& codes, Interior span, bool reverse) {
+  const Interior inside = Clipped(span, codes);
+  const std::size_t count = LengthOf(inside);
+  const std::size_t start = text.size();
+  text.resize(start + count + 1);
+  char* out = text.data() + start;
+  out[count] = '\n';
+  if (count == 0) return;
+  const std::uint8_t* in = codes.data() + inside.from;
+  if (reverse) {
+    for (std::size_t i = 0; i < count; ++i) out[i] = kComplements[in[count - 1 - i]];
+  } else {
+    for (std::size_t i = 0; i < count; ++i) out[i] = kLetters[in[i]];
+  }
+}
+
+void AppendSequenceEntry(std::string& text, const CodeSeq& codes, Interior span,
+                         std::int32_t strand) {
+  text.append("> POS_L ");
+  AppendInteger(text, span.from);
+  text.append(" POS_R ");
+  AppendInteger(text, span.to);
+  text.append(" STRAND(1/2) ");
+  AppendInteger(text, strand);
+  text.push_back('\n');
+  AppendBases(text, codes, span, strand == 2);
+}
+
+// The output file is the value of the command key itself; empty (or absent) = standard output.
+std::string OutputName(const Param& param, std::string_view key) {
+  const std::string* value = param.Find(key);
+  return value != nullptr ? *value : std::string();
+}
+
+void WriteOut(const std::string& text) {
+  WriteStdout(text);
+}
+
+// ORFs per million bases, in the stream's general notation with six significant digits.
+std::string Density(std::size_t orfs, std::uint64_t bases) {
+  const double density = static_cast<double>(orfs) * 1000000.0 / static_cast<double>(bases);
+  char digits[32];
+  const auto end =
+      std::to_chars(digits, digits + sizeof digits, density, std::chars_format::general, 6).ptr;
+  return std::string(digits, end) + "\n";
+}
+
+}  // namespace
+
+bool ORF::ListWithMargins(Param& param, const VSeq& seq, std::string& list) const {
+  std::int32_t left_margin = 0, right_margin = 0, out = 0;
+  if (!param.GetOpt(left_margin, "--ORF_MARGIN_LEFT") ||
+      !param.GetOpt(right_margin, "--ORF_MARGIN_RIGHT") || !param.GetOpt(out, "--ORF_OUT")) {
+    return false;
+  }
+  // Margins count whole codons: truncated toward zero to a multiple of 3.
+  const std::int64_t lm = left_margin / 3 * 3, rm = right_margin / 3 * 3;
+  std::size_t size = 0;
+  for (const GENE& orf : orfs) {
+    const Interior span = InteriorOf(orf, lm, rm);
+    if (span.from < span.to) size += out == 0 ? 40 : 64 + LengthOf(Clipped(span, seq.sequence));
+  }
+  std::string text;
+  text.reserve(size);
+  for (const GENE& orf : orfs) {
+    if (orf.strand != 1 && orf.strand != 2) continue;
+    const Interior span = InteriorOf(orf, lm, rm);
+    if (span.from >= span.to) continue;
+    if (out == 0) {
+      AppendNumbers<4>(text, {span.from, span.to, span.to - span.from + 1, orf.strand});
+    } else {
+      AppendSequenceEntry(text, seq.sequence, span, orf.strand);
+    }
+  }
+  list = std::move(text);
+  return true;
+}
+
+std::string ORF::ListPlain() const {
+  std::string text, errors;
+  text.reserve(orfs.size() * 40);
+  for (const GENE& orf : orfs) {
+    if (orf.strand != 1 && orf.strand != 2) continue;
+    const std::int64_t from = orf.left + 2, to = orf.right - 2;
+    if (from < to) {
+      AppendNumbers<4>(text, {from, to, std::int64_t{orf.right} - orf.left - 3, orf.strand});
+    } else {
+      errors.append("error orf\n");
+    }
+  }
+  WriteAll(stderr, errors);
+  return text;
+}
+
+bool RunOrf(ORF& orf, Param& param) {
+  if (!orf.ReadCodons(param)) return false;
+  VSeq seq;
+  if (!seq.LoadForGenes(param)) return false;
+  orf.BuildCodonArray(seq.sequence);
+  std::string counts = "# Starts ";
+  counts.append(std::to_string(orf.StartCount())).append("\n# Stops ");
+  counts.append(std::to_string(orf.StopCount())).push_back('\n');
+  WriteOut(counts);
+
+  if (!param.GetOpt(orf.min_orf_size, "--MIN_ORF_SIZE")) return false;
+  orf.SearchDirect(orf.min_orf_size);
+  orf.SearchReverse(orf.min_orf_size);
+  std::string list;
+  if (!orf.ListWithMargins(param, seq, list)) return false;
+  orf.report.Set("--orf", "", std::move(list));
+  return orf.report.Write(OutputName(param, "--orf"));
+}
+
+bool RunOrfPerSeq(ORF& orf, Param& param) {
+  if (!orf.ReadCodons(param)) return false;
+  Genome genome(param);
+  if (!genome.LoadNonCoding(param)) return false;
+  if (!param.GetOpt(orf.min_orf_size, "--MIN_ORF_SIZE")) return false;
+  std::uint64_t bases = 0;
+  for (const CodeSeq& piece : genome.non) {
+    orf.BuildCodonArray(piece);
+    orf.SearchDirect(orf.min_orf_size);
+    orf.SearchReverse(orf.min_orf_size);
+    bases += piece.size();
+  }
+  std::int32_t out = 0;
+  if (!param.GetOpt(out, "--ORF_OUT")) return false;
+  if (out != 0) {
+    WriteOut(orf.ListPlain());
+    return true;
+  }
+  // No non-coding base at all: a density per base means nothing, and a script must not read
+  // "nan" as a number.
+  if (bases == 0) {
+    PrintError({"error: non-coding sequence size is <0>"});
+    return false;
+  }
+  WriteOut(Density(orf.orfs.size(), bases));
+  return true;
+}
+
+bool Genome::LoadNonCoding(Param& param) {
+  VSeq seq;
+  GeneSet set;
+  if (!LoadAnnotated(seq, set, param, false)) return false;
+  ExtractNonCoding(seq, set);
+  return true;
 }
 
 }  // namespace genetrain

@@ -14,17 +14,33 @@
 namespace genetrain {
 
 // Open reading frames on both strands of a sequence. An ORF is kept as a GENE whose left and
-// right are positions of the codon array (the position of a codon's last base).
+// right are positions of the codon array (the position of a codon's last base): a direct ORF
+// has its start codon at `left` and its stop at `right`, a reverse ORF the other way round.
+// The completeness flags tell whether that side is closed by a stop codon.
 class ORF {
  public:
-  // Clears the four codon sets and fills them from --TAA_ ... --CTG_.
+  // Index of the codon array for a position where no codon ends (first two bases, or a base
+  // that is not A, C, G or T among the three).
+  static constexpr std::uint8_t kNoCodon = 64;
+
+  // Clears the four codon sets and fills them from --TAA_, --TGA_, --TAG_, --ATG_, --GTG_,
+  // --TTG_, --CTG_ (in that order); false at the first malformed value.
   bool ReadCodons(Param& param);
-  // Codon index ending at every position (64 where there is none); counts them in codon_usage.
+  // Codon index ending at every position (kNoCodon where there is none); counts every value
+  // from position 2 on in codon_usage, which starts again from zero.
   void BuildCodonArray(const CodeSeq& codes);
-  void SearchDirect(int min);
-  void SearchReverse(int min);
-  std::string ListWithMargins(Param& param, const VSeq& seq) const;
+  // Append the ORFs of the codon array holding at least `min` bases between start and stop:
+  // direct ones by stop end ascending, reverse ones by stop end descending. One pass each.
+  void SearchDirect(std::uint32_t min);
+  void SearchReverse(std::uint32_t min);
+  // The --orf list: reads --ORF_MARGIN_LEFT, --ORF_MARGIN_RIGHT and --ORF_OUT; false (list
+  // untouched) on a malformed value.
+  bool ListWithMargins(Param& param, const VSeq& seq, std::string& list) const;
+  // The --ORF_PER_SEQ list; "error orf" on standard error for an ORF with nothing inside.
   std::string ListPlain() const;
+  // codon_usage summed over the direct and reverse start (stop) sets.
+  std::uint64_t StartCount() const;
+  std::uint64_t StopCount() const;
 
   Report report;
   std::vector<GENE> orfs;
@@ -37,7 +53,9 @@ class ORF {
   std::array<bool, 65> stops_reverse{};
 };
 
+// --orf: codon counts on standard output, the ORF list to the file named by --orf.
 bool RunOrf(ORF& orf, Param& param);
+// --ORF_PER_SEQ: ORF density per million non-coding bases, or the plain list.
 bool RunOrfPerSeq(ORF& orf, Param& param);
 
 }  // namespace genetrain

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "common/FileBuf.h"
+#include "common/Format.h"
 #include "common/Output.h"
 #include "seq/FastaScanner.h"
 #include "seq/MSSeq.h"
@@ -68,14 +69,8 @@ std::uint64_t ForEachNRun(std::string_view body, OnRun&& onRun) {
   }
 }
 
-void AppendNumber(std::string& out, std::uint64_t value) {
-  char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-  out.append(digits, end);
-}
-
 void AppendNumberTab(std::string& out, std::uint64_t value) {
-  AppendNumber(out, value);
+  AppendInteger(out, value);
   out.push_back('\t');
 }
 
@@ -102,7 +97,7 @@ void AppendStatLine(std::string& out, std::string_view label, const SSeq::Tally&
   AppendNumberTab(out, tally.n * 100 / length);
   for (const std::uint64_t count : {tally.a, tally.c, tally.g, tally.t})
     AppendNumberTab(out, count);
-  AppendNumber(out, tally.n);
+  AppendInteger(out, tally.n);
   out.push_back('\n');
 }
 
@@ -131,7 +126,7 @@ void AppendRunLengths(std::string& out, const FastaSpan& record) {
   out.append(record.label).push_back('<');
   ForEachNRun(record.body, [&out](std::uint64_t, std::uint64_t length) {
     out.push_back(' ');
-    AppendNumber(out, length);
+    AppendInteger(out, length);
   });
   out.push_back('\n');
 }

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "common/FileBuf.h"
+#include "common/Format.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "seq/FastaScanner.h"
@@ -46,12 +47,6 @@ bool ReadOptions(Param& param, SplitOptions& options) {
          param.GetOpt(options.maxRun, "--max_nnn_substring") &&
          GetOptNotNegative(param, options.margin, "--nnn_margin") &&
          param.GetOpt(options.noLabel, "--NO_LABEL") && param.GetOpt(options.soft, "--soft");
-}
-
-void AppendNumber(std::string& out, std::int64_t number) {
-  std::array<char, 24> digits{};
-  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-  out.append(digits.data(), result.ptr);
 }
 
 constexpr std::array<bool, 256> MakeSoftMaskedTable() {
@@ -127,7 +122,7 @@ void WriteWholeRecord(std::string_view label, std::string& sequence, const Split
 std::string PieceLabel(std::string_view label, std::int64_t first, std::int64_t last) {
   std::string text = SSeq::MakeName(label, " SUBSTRING POS_L ", first);
   text.append(" POS_R ");
-  AppendNumber(text, last);
+  AppendInteger(text, last);
   return text;
 }
 
@@ -231,7 +226,7 @@ std::string SSeq::MakeName(std::string_view first, std::string_view second, std:
   std::string name;
   name.reserve(first.size() + second.size() + 20);
   name.append(first).append(second);
-  AppendNumber(name, number);
+  AppendInteger(name, number);
   return name;
 }
 
