@@ -24,6 +24,12 @@ void AppendFormatted(std::string& text, const char* format, double value, std::u
 
 }  // namespace
 
+void AppendGeneral(std::string& text, double value) {
+  char buffer[32];
+  const int length = std::snprintf(buffer, sizeof buffer, "%g", value);
+  if (length > 0) text.append(buffer, static_cast<std::size_t>(length));
+}
+
 void AppendFixed(std::string& text, double value, std::uint32_t precision) {
   AppendFormatted(text, "%.*f", value, precision);
 }

@@ -15,6 +15,10 @@ void AppendInteger(std::string& text, Integer value) {
   text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
+// General notation with six significant digits, as a default output stream writes a double
+// (printf's "%g": 0.124308, 43.1064, 1e+06).
+void AppendGeneral(std::string& text, double value);
+
 // Precisions beyond this many digits print as this many: a double holds no more.
 inline constexpr std::uint32_t kMaxPrecision = 340;
 

@@ -162,6 +162,11 @@ const std::string* Param::Find(std::string_view key) const {
   return it == pairs_.end() ? nullptr : &it->second;
 }
 
+std::string Param::ValueOrEmpty(std::string_view key) const {
+  const std::string* value = Find(key);
+  return value != nullptr ? *value : std::string();
+}
+
 const std::string& Param::Insert(std::string_view key) {
   return pairs_.try_emplace(std::string(key)).first->second;
 }

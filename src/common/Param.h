@@ -38,6 +38,9 @@ class Param {
   // Plain lookups, no message and no insertion.
   bool Has(std::string_view key) const { return pairs_.find(key) != pairs_.end(); }
   const std::string* Find(std::string_view key) const;
+  // The value as stored, or the empty text for an absent key: the output file named by a
+  // command key, for instance, where empty means standard output.
+  std::string ValueOrEmpty(std::string_view key) const;
   std::size_t Size() const { return pairs_.size(); }
 
   // Typed getters.

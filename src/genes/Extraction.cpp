@@ -60,13 +60,6 @@ bool CodingPiece(const VSeq& seq, const GENE& gene, const CodingRules& rules, Co
   return static_cast<std::int64_t>(piece.size()) == trimmed;
 }
 
-// "%g": six significant digits, as a default output stream writes a double.
-void AppendGeneral(std::string& text, double value) {
-  std::array<char, 32> buffer{};
-  const int size = std::snprintf(buffer.data(), buffer.size(), "%g", value);
-  text.append(buffer.data(), static_cast<std::size_t>(size));
-}
-
 using BaseCounts = std::array<std::uint64_t, 256>;
 
 void CountCodes(const CodeSeq& codes, BaseCounts& counts) {

@@ -97,22 +97,13 @@ void AppendSequenceEntry(std::string& text, const CodeSeq& codes, Interior span,
 }
 
 // The output file is the value of the command key itself; empty (or absent) = standard output.
-std::string OutputName(const Param& param, std::string_view key) {
-  const std::string* value = param.Find(key);
-  return value != nullptr ? *value : std::string();
-}
-
-void WriteOut(const std::string& text) {
-  WriteStdout(text);
-}
-
 // ORFs per million bases, in the stream's general notation with six significant digits.
 std::string Density(std::size_t orfs, std::uint64_t bases) {
   const double density = static_cast<double>(orfs) * 1000000.0 / static_cast<double>(bases);
-  char digits[32];
-  const auto end =
-      std::to_chars(digits, digits + sizeof digits, density, std::chars_format::general, 6).ptr;
-  return std::string(digits, end) + "\n";
+  std::string line;
+  AppendGeneral(line, density);
+  line.push_back('\n');
+  return line;
 }
 
 }  // namespace
@@ -170,7 +161,7 @@ bool RunOrf(ORF& orf, Param& param) {
   std::string counts = "# Starts ";
   counts.append(std::to_string(orf.StartCount())).append("\n# Stops ");
   counts.append(std::to_string(orf.StopCount())).push_back('\n');
-  WriteOut(counts);
+  WriteStdout(counts);
 
   if (!param.GetOpt(orf.min_orf_size, "--MIN_ORF_SIZE")) return false;
   orf.SearchDirect(orf.min_orf_size);
@@ -178,7 +169,7 @@ bool RunOrf(ORF& orf, Param& param) {
   std::string list;
   if (!orf.ListWithMargins(param, seq, list)) return false;
   orf.report.Set("--orf", "", std::move(list));
-  return orf.report.Write(OutputName(param, "--orf"));
+  return orf.report.Write(param.ValueOrEmpty("--orf"));
 }
 
 bool RunOrfPerSeq(ORF& orf, Param& param) {
@@ -196,7 +187,7 @@ bool RunOrfPerSeq(ORF& orf, Param& param) {
   std::int32_t out = 0;
   if (!param.GetOpt(out, "--ORF_OUT")) return false;
   if (out != 0) {
-    WriteOut(orf.ListPlain());
+    WriteStdout(orf.ListPlain());
     return true;
   }
   // No non-coding base at all: a density per base means nothing, and a script must not read
@@ -205,7 +196,7 @@ bool RunOrfPerSeq(ORF& orf, Param& param) {
     PrintError({"error: non-coding sequence size is <0>"});
     return false;
   }
-  WriteOut(Density(orf.orfs.size(), bases));
+  WriteStdout(Density(orf.orfs.size(), bases));
   return true;
 }
 

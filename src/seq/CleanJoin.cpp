@@ -191,8 +191,7 @@ std::string JoinReport(std::size_t records, std::size_t keptRecords, const SSeq:
 }  // namespace
 
 bool SSeq::CleanJoin(Param& param) {
-  const std::string* target = param.Find("--clean_join");
-  const std::string outName = target != nullptr ? *target : std::string();
+  const std::string outName = param.ValueOrEmpty("--clean_join");
   JoinOptions options;
   if (!ReadJoinOptions(param, options)) return false;
   std::string joined;

@@ -32,12 +32,6 @@ FileCounts CountFile(std::string_view text) {
   return counts;
 }
 
-// The output file is the value of the command key itself; empty (or absent) = standard output.
-std::string OutputName(const Param& param, std::string_view key) {
-  const std::string* value = param.Find(key);
-  return value != nullptr ? *value : std::string();
-}
-
 void AppendRow(std::string& text, std::string_view caption, std::string_view value) {
   text.append(caption).append(value).push_back('\n');
 }
@@ -79,7 +73,7 @@ bool SSeq::Stat(Param& param) {
     label.append(" ").append(counts.firstLabel);
   }
   Set("--stat", "", StatTable(label, counts, precision));
-  return Write(OutputName(param, "--stat"));
+  return Write(param.ValueOrEmpty("--stat"));
 }
 
 bool SSeq::Gc(Param& param) {
@@ -94,7 +88,7 @@ bool SSeq::Gc(Param& param) {
   if (!file.Load(name.c_str())) return false;
   AppendFixed(label, GcPercent(CountFile(file.View()).letters), precision);
   Set("--gc", "", label);
-  return Write(OutputName(param, "--gc"));
+  return Write(param.ValueOrEmpty("--gc"));
 }
 
 }  // namespace genetrain
