@@ -7,6 +7,7 @@
 #include "genes/GeneSet.h"
 #include "genes/Genome.h"
 #include "genes/Orf.h"
+#include "model/ModelFile.h"
 #include "seq/MSSeq.h"
 #include "seq/SSeq.h"
 
@@ -45,14 +46,14 @@ constexpr std::array<Command, 23> kCommands = {{
     {"--split", Run<SSeq, &SSeq::Split>},
     {"--parse", RunWith<Genome, RunParse>},
     {"--intergenic", RunWith<Genome, RunIntergenic>},
-    {"--mkchain", nullptr},
-    {"--mkmod", nullptr},
+    {"--mkchain", RunWith<Genome, RunMkchain>},
+    {"--mkmod", RunWith<Report, RunMkmod>},
     {"--CLEAN_CODING", Run<MSSeq, &MSSeq::CleanCoding>},
     {"--compare", nullptr},
     {"--pre_start", RunWith<Genome, RunPreStart>},
     {"--gibbs", nullptr},
     {"--mask", Run<SSeq, &SSeq::Mask>},
-    {"--combine", nullptr},
+    {"--combine", RunWith<Report, RunCombine>},
     {"--STAT_NON_VS_ALL", RunWith<Genome, RunStatNonVsAll>},
     {"--ORF_PER_SEQ", RunWith<ORF, RunOrfPerSeq>},
     {"--orf", RunWith<ORF, RunOrf>},

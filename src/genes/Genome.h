@@ -79,6 +79,7 @@ bool RunParse(Genome& genome, Param& param);
 bool RunIntergenic(Genome& genome, Param& param);
 bool RunStatNonVsAll(Genome& genome, Param& param);
 bool RunPreStart(Genome& genome, Param& param);
+bool RunMkchain(Genome& genome, Param& param);
 
 }  // namespace genetrain
 

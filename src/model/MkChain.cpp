@@ -1,0 +1,3 @@
+#include "model/MkChain.h"
+
+namespace genetrain {}  // namespace genetrain

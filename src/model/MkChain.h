@@ -1,0 +1,49 @@
+#ifndef GENETRAIN_MODEL_MKCHAIN_H
+#define GENETRAIN_MODEL_MKCHAIN_H
+
+#include <string>
+#include <vector>
+
+#include "common/Param.h"
+#include "seq/VSeq.h"
+
+namespace genetrain {
+
+// A Markov chain of a given order and period: one table per frame of the joint frequencies of
+// the words of order + 1 letters (word index: first letter most significant base-4 digit).
+// Invalid settings end the process with status 1 and their message.
+class MkChain {
+ public:
+  // Reads --order_non, then the tuning options --MKCHAIN_L_MARGING, --MKCHAIN_R_MARGING,
+  // --MKCHAIN_PSEUDOCOUNTS, --MKCHAIN_PRECISION and --revcomp_non (malformed values are
+  // reported and leave the defaults).
+  MkChain(int order, int period, Param& param);
+  // Takes the count order directly and reads no option.
+  MkChain(int order, int period, int count_order);
+
+  // One sequence taken whole, without margins.
+  void Estimate(const CodeSeq& sequence);
+  // A list of training sequences, with the chain's own margins and pseudocount.
+  void Estimate(const std::vector<CodeSeq>& sequences);
+  void Estimate(const std::vector<CodeSeq>& sequences, int left, int right, int pseudocount);
+  // The independent-letters model of GC fraction gc.
+  void SetRandom(double gc);
+
+  // The printed table: a newline, then one line per word (three numbers for period 3).
+  std::string ToText() const;
+  std::string ToText(int precision) const;
+
+  int left_margin = 3;
+  int right_margin = 3;
+  bool revcomp = false;
+  int order = 0;
+  int period = 1;
+  std::vector<std::vector<double>> tables;
+  int count_order = 0;
+  int pseudocount = 1;
+  int precision = 5;
+};
+
+}  // namespace genetrain
+
+#endif

@@ -1,0 +1,3 @@
+#include "model/ModelFile.h"
+
+namespace genetrain {}  // namespace genetrain
