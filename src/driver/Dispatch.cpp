@@ -8,6 +8,8 @@
 #include "genes/Genome.h"
 #include "genes/Orf.h"
 #include "model/ModelFile.h"
+#include "motif/Compare.h"
+#include "motif/Gibbs.h"
 #include "seq/MSSeq.h"
 #include "seq/SSeq.h"
 
@@ -49,9 +51,9 @@ constexpr std::array<Command, 23> kCommands = {{
     {"--mkchain", RunWith<Genome, RunMkchain>},
     {"--mkmod", RunWith<Report, RunMkmod>},
     {"--CLEAN_CODING", Run<MSSeq, &MSSeq::CleanCoding>},
-    {"--compare", nullptr},
+    {"--compare", Run<Compare, &Compare::Run>},
     {"--pre_start", RunWith<Genome, RunPreStart>},
-    {"--gibbs", nullptr},
+    {"--gibbs", Run<Gibbs, &Gibbs::Run>},
     {"--mask", Run<SSeq, &SSeq::Mask>},
     {"--combine", RunWith<Report, RunCombine>},
     {"--STAT_NON_VS_ALL", RunWith<Genome, RunStatNonVsAll>},
@@ -79,10 +81,6 @@ int Dispatch(Param& param) {
   const Command* command = SelectCommand(param);
   if (command == nullptr) {
     PrintError({"error in command line"});
-    return 1;
-  }
-  if (command->run == nullptr) {
-    PrintError({"error: command not yet available: ", command->key});
     return 1;
   }
   return command->run(param) ? 0 : 1;

@@ -9,7 +9,7 @@
 namespace genetrain {
 
 // One command: its key and the function that builds the command's working object, runs the
-// handler with it and destroys it. A null runner marks a command that is not built yet.
+// handler with it and destroys it.
 struct Command {
   std::string_view key;
   bool (*run)(Param& param);
