@@ -1,3 +1,329 @@
+// Markov chain estimation: word counts per frame, pseudocounts, the extension of a low count
+// order to the full order, the independent-letters model and the printed tables.
+
 #include "model/MkChain.h"
 
-namespace genetrain {}  // namespace genetrain
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <string>
+
+#include "common/Format.h"
+#include "common/Message.h"
+
+namespace genetrain {
+
+namespace {
+
+// Words of up to 15 letters: 4^15 entries per table.
+constexpr int kMaxOrder = 14;
+constexpr std::uint32_t kMaxPrintPrecision = 10;
+
+// Maps a base code to the letter value of the word index, 0..3, or 4 for an unknown letter.
+using LetterMap = std::array<std::uint8_t, 256>;
+
+constexpr LetterMap MakeLetterMap(bool complement) {
+  LetterMap map{};
+  for (std::size_t code = 0; code < map.size(); ++code) {
+    if (code > 3) {
+      map[code] = 4;
+    } else {
+      map[code] = static_cast<std::uint8_t>(complement ? 3 - code : code);
+    }
+  }
+  return map;
+}
+
+constexpr LetterMap kForwardLetters = MakeLetterMap(false);
+constexpr LetterMap kComplementLetters = MakeLetterMap(true);
+
+std::size_t WordCount(int letters) {
+  return std::size_t{1} << (2 * letters);
+}
+
+std::string Number(std::int64_t value) {
+  std::string text;
+  AppendInteger(text, value);
+  return text;
+}
+
+[[noreturn]] void FailCount(double sum) {
+  std::string text = "error: count ";
+  AppendGeneral(text, sum);
+  PrintErrorAndExit({text});
+}
+
+// One pass over a stretch with a rolling word index and a rolling mask of unknown letters: the
+// first count_order letters only load the word; every later letter ends a word, counted in the
+// current frame table when the mask is clear, and advances the frame.
+template <typename Iterator>
+void CountWords(Iterator first, Iterator last, const LetterMap& letters, int count_order,
+                double* const* frames, int period) {
+  if (last - first < count_order) return;
+  const std::uint32_t keep = (std::uint32_t{1} << (2 * count_order)) - 1;
+  std::uint32_t index = 0;
+  std::uint32_t unknown = 0;
+  for (int i = 0; i < count_order; ++i, ++first) {
+    const std::uint32_t letter = letters[*first];
+    index = (index << 2) | (letter & 3);
+    unknown = (unknown << 2) | ((letter >> 2) * 3);
+  }
+  int frame = 0;
+  for (; first != last; ++first) {
+    const std::uint32_t letter = letters[*first];
+    index = ((index & keep) << 2) | (letter & 3);
+    unknown = ((unknown & keep) << 2) | ((letter >> 2) * 3);
+    if (unknown == 0) frames[frame][index] += 1.0;
+    if (++frame == period) frame = 0;
+  }
+}
+
+// Normalises the first `words` entries with the pseudocount: (entry + p) / (S + words * p).
+void NormaliseEntries(std::vector<double>& table, std::size_t words, int pseudocount) {
+  double sum = 0;
+  for (std::size_t i = 0; i < words; ++i) sum += table[i];
+  if (sum == 0) FailCount(sum);
+  const double total = sum + static_cast<double>(static_cast<std::int64_t>(words) * pseudocount);
+  for (std::size_t i = 0; i < words; ++i) table[i] = (table[i] + pseudocount) / total;
+}
+
+// Words of level + 1 letters become words of level + 2 letters: the appended letter is weighted
+// by its frequency after the first `level` letters of the word (the four words of a group).
+void ExtendLevel(std::vector<double>& table, std::vector<double>& copy, int level) {
+  copy.assign(table.begin(), table.begin() + static_cast<std::ptrdiff_t>(WordCount(level + 1)));
+  const std::size_t groups = WordCount(level);
+  for (std::size_t g = 0; g < groups; ++g) {
+    const double* e = copy.data() + 4 * g;
+    const double sum = e[0] + e[1] + e[2] + e[3];
+    std::array<double, 4> follow{};
+    if (sum != 0) {
+      for (int n = 0; n < 4; ++n) follow[n] = e[n] / sum;
+    }
+    double* out = table.data() + 16 * g;
+    for (int m = 0; m < 4; ++m) {
+      for (int n = 0; n < 4; ++n) out[4 * m + n] = e[m] * follow[n];
+    }
+  }
+}
+
+// A table value in fixed notation with the point always shown; a value that is not zero but
+// would print as zero (negatives and NaN included) prints as the smallest printable step.
+char* WriteValue(char* out, char* end, double value, int digits, double step) {
+  if (value != 0 && !(value >= step)) value = step;
+  const std::to_chars_result result =
+      std::to_chars(out, end, value, std::chars_format::fixed, digits);
+  out = result.ptr;
+  if (digits == 0 && std::isfinite(value)) *out++ = '.';
+  return out;
+}
+
+constexpr std::array<double, kMaxPrintPrecision + 1> kSteps = {1e-0, 1e-1, 1e-2, 1e-3, 1e-4, 1e-5,
+                                                               1e-6, 1e-7, 1e-8, 1e-9, 1e-10};
+
+}  // namespace
+
+MkChain::MkChain(int order_value, int period_value, Param& param)
+    : order(order_value), period(period_value) {
+  std::int32_t read_order = -1;
+  param.GetOpt(read_order, "--order_non");
+  count_order = read_order == -1 || period != 1 ? order : read_order;
+  revcomp = false;
+  ValidateAndSize();
+  ReadTuning(param);
+}
+
+MkChain::MkChain(int order_value, int period_value, int count_order_value)
+    : order(order_value), period(period_value), count_order(count_order_value) {
+  ValidateAndSize();
+}
+
+void MkChain::ValidateAndSize() {
+  if (static_cast<unsigned>(order) > kMaxOrder) PrintErrorAndExit({"error: order ", Number(order)});
+  if (count_order < 0 || count_order > kMaxOrder) {
+    PrintErrorAndExit({"error: order ", Number(count_order)});
+  }
+  if (count_order > order) {
+    PrintErrorAndExit(
+        {"error: order_count ", Number(count_order), " is higher than order ", Number(order)});
+  }
+  if (period != 1 && period != 3) PrintErrorAndExit({"error: period ", Number(period)});
+  tables.resize(static_cast<std::size_t>(period));
+  for (std::vector<double>& table : tables) table.resize(WordCount(order + 1), 0.0);
+}
+
+// Each value is read as a non-negative integer; one beyond the int range is held at its end.
+void MkChain::ReadTuning(Param& param) {
+  const auto read = [&param](int& target, std::string_view key) {
+    std::uint32_t value = static_cast<std::uint32_t>(target);
+    if (param.GetOpt(value, key)) {
+      target = static_cast<int>(std::min<std::uint32_t>(value, std::numeric_limits<int>::max()));
+    }
+  };
+  read(left_margin, "--MKCHAIN_L_MARGING");
+  read(right_margin, "--MKCHAIN_R_MARGING");
+  read(pseudocount, "--MKCHAIN_PSEUDOCOUNTS");
+  read(precision, "--MKCHAIN_PRECISION");
+  param.GetOpt(revcomp, "--revcomp_non");
+}
+
+std::uint32_t MkChain::ReverseComplementIndex(std::uint32_t word, int letters) {
+  if (letters <= 0) return 0;
+  // Reverse the order of the 2-bit letters of the 32-bit word, keep the last `letters` of the
+  // original as the first of the result, and complement each (x -> 3 - x is x XOR 3).
+  std::uint32_t r = word;
+  r = ((r >> 2) & 0x33333333u) | ((r & 0x33333333u) << 2);
+  r = ((r >> 4) & 0x0f0f0f0fu) | ((r & 0x0f0f0f0fu) << 4);
+  r = ((r >> 8) & 0x00ff00ffu) | ((r & 0x00ff00ffu) << 8);
+  r = (r >> 16) | (r << 16);
+  const std::uint32_t all =
+      letters >= 16 ? ~std::uint32_t{0} : (std::uint32_t{1} << (2 * letters)) - 1;
+  return (letters >= 16 ? r : r >> (32 - 2 * letters)) ^ all;
+}
+
+void MkChain::CountForward(const std::uint8_t* begin, const std::uint8_t* end) {
+  std::array<double*, 3> frames{};
+  for (std::size_t f = 0; f < tables.size(); ++f) frames[f] = tables[f].data();
+  CountWords(begin, end, kForwardLetters, count_order, frames.data(), period);
+}
+
+// The reverse strand, read 5' to 3': from the stretch's last letter back to its first,
+// complemented. Only for period 1, so everything goes to table 0.
+void MkChain::CountReverse(const std::uint8_t* begin, const std::uint8_t* end) {
+  double* const frames[1] = {tables[0].data()};
+  CountWords(std::make_reverse_iterator(end), std::make_reverse_iterator(begin), kComplementLetters,
+             count_order, frames, 1);
+}
+
+void MkChain::Symmetrise(int letters) {
+  std::vector<double>& table = tables[0];
+  const std::size_t words = WordCount(letters);
+  for (std::size_t i = 0; i < words; ++i) {
+    const std::size_t j = ReverseComplementIndex(static_cast<std::uint32_t>(i), letters);
+    const double mean = (table[i] + table[j]) * 0.5;
+    table[i] = mean;
+    table[j] = mean;
+  }
+}
+
+void MkChain::Estimate(const CodeSeq& sequence) {
+  if (sequence.empty()) PrintErrorAndExit({"error: data input empty "});
+  const std::uint8_t* begin = sequence.data();
+  const std::uint8_t* end = begin + sequence.size();
+  CountForward(begin, end);
+  if (revcomp && period == 1) CountReverse(begin, end);
+  Normalise(pseudocount);
+}
+
+void MkChain::Estimate(const std::vector<CodeSeq>& sequences) {
+  Estimate(sequences, left_margin, right_margin, pseudocount);
+}
+
+void MkChain::Estimate(const std::vector<CodeSeq>& sequences, int left, int right,
+                       int pseudocount_value) {
+  if (sequences.empty()) PrintErrorAndExit({"error: data input empty "});
+  if (left < 0 || right < 0) {
+    PrintErrorAndExit({"error: Lmarg ", Number(left), " Rmarg ", Number(right)});
+  }
+  const bool both_strands = revcomp && period == 1;
+  for (const CodeSeq& sequence : sequences) {
+    const std::int64_t length = static_cast<std::int64_t>(sequence.size());
+    if (std::int64_t{left} + right >= length) continue;
+    const std::uint8_t* data = sequence.data();
+    CountForward(data + left, data + length - right);
+    // The margins swap ends on the reverse strand.
+    if (both_strands) CountReverse(data + right, data + length - left);
+  }
+  if (both_strands) Symmetrise(count_order + 1);
+  Normalise(pseudocount_value);
+}
+
+void MkChain::Normalise(int pseudocount_value) {
+  if (count_order == order) {
+    NormaliseTables(pseudocount_value);
+  } else {
+    ExtendTable(pseudocount_value);
+  }
+}
+
+void MkChain::NormaliseTables(int pseudocount_value) {
+  if (pseudocount_value < 0) {
+    PrintErrorAndExit({"error: pseudocount ", Number(pseudocount_value)});
+  }
+  for (std::vector<double>& table : tables) {
+    NormaliseEntries(table, table.size(), pseudocount_value);
+  }
+}
+
+// Normalises the words counted at the count order, then builds each longer word from the
+// shorter ones, symmetrising every new level whatever the reverse-complement flag says.
+void MkChain::ExtendTable(int pseudocount_value) {
+  if (tables.size() > 1) {
+    PrintErrorAndExit(
+        {"error: order_count is supported only for period == 1 ", Number(count_order)});
+  }
+  const std::size_t counted = WordCount(count_order + 1);
+  for (std::vector<double>& table : tables) {
+    if (pseudocount_value < 0) {
+      PrintErrorAndExit({"error: pseudocount ", Number(pseudocount_value)});
+    }
+    if (table.size() <= counted) {
+      PrintErrorAndExit({"error in vector size ", Number(static_cast<std::int64_t>(counted))});
+    }
+    NormaliseEntries(table, counted, pseudocount_value);
+  }
+  std::vector<double> copy;
+  copy.reserve(WordCount(order));
+  for (int level = count_order; level < order; ++level) {
+    ExtendLevel(tables[0], copy, level);
+    Symmetrise(level + 2);
+  }
+}
+
+void MkChain::SetRandom(double gc) {
+  const std::array<double, 4> letter = {(1 - gc) * 0.5, gc * 0.5, gc * 0.5, (1 - gc) * 0.5};
+  for (std::vector<double>& table : tables) {
+    // Level by level, in place: the word w of k letters is the word w / 4 of k - 1 letters
+    // times its last letter; going down from the top reads each shorter word before it changes.
+    table[0] = 1.0;
+    for (int letters = 1; letters <= order + 1; ++letters) {
+      for (std::size_t w = WordCount(letters); w-- > 0;) table[w] = table[w >> 2] * letter[w & 3];
+    }
+  }
+}
+
+std::string MkChain::ToText() const {
+  return ToText(precision);
+}
+
+std::string MkChain::ToText(int digits) const {
+  if (static_cast<unsigned>(digits) > kMaxPrintPrecision) {
+    PrintErrorAndExit({"error: precision ", Number(digits)});
+  }
+  std::string text = "\n";
+  if (tables.size() != 1 && tables.size() != 3) return text;
+  const std::size_t words = tables[0].size();
+  // Frequencies below 10 print as "0." and the digits; one separator each.
+  text.reserve(1 + words * tables.size() * (static_cast<std::size_t>(digits) + 3));
+  for (std::size_t word = 0; word < words; ++word) AppendRow(text, word, digits);
+  return text;
+}
+
+void MkChain::AppendRow(std::string& text, std::size_t word, int digits) const {
+  // Room for three values of any magnitude (up to 309 integer digits each).
+  char row[1024];
+  char* const end = row + sizeof row;
+  char* out = row;
+  const double step = kSteps[static_cast<std::size_t>(digits)];
+  for (std::size_t f = 0; f < tables.size(); ++f) {
+    if (f > 0) *out++ = ' ';
+    out = WriteValue(out, end, tables[f][word], digits, step);
+  }
+  *out++ = '\n';
+  text.append(row, static_cast<std::size_t>(out - row));
+}
+
+}  // namespace genetrain

@@ -1,6 +1,7 @@
 #ifndef GENETRAIN_MODEL_MKCHAIN_H
 #define GENETRAIN_MODEL_MKCHAIN_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,9 @@ class MkChain {
   std::string ToText() const;
   std::string ToText(int precision) const;
 
+  // The index of the reverse complement of a word of `letters` letters; 0 for no letters.
+  static std::uint32_t ReverseComplementIndex(std::uint32_t word, int letters);
+
   int left_margin = 3;
   int right_margin = 3;
   bool revcomp = false;
@@ -42,6 +46,19 @@ class MkChain {
   int count_order = 0;
   int pseudocount = 1;
   int precision = 5;
+
+ private:
+  void ValidateAndSize();
+  void ReadTuning(Param& param);
+  // Adds the words of the stretch read forward (frames from 0) or as its reverse complement.
+  void CountForward(const std::uint8_t* begin, const std::uint8_t* end);
+  void CountReverse(const std::uint8_t* begin, const std::uint8_t* end);
+  // Sets each word of table 0 and its reverse complement to their mean.
+  void Symmetrise(int letters);
+  void Normalise(int pseudocount_value);
+  void NormaliseTables(int pseudocount_value);
+  void ExtendTable(int pseudocount_value);
+  void AppendRow(std::string& text, std::size_t word, int digits) const;
 };
 
 }  // namespace genetrain

@@ -20,6 +20,9 @@ rm -rf "$scratch"
 mkdir -p "$work" "$result"
 if [ -d "$case_dir/in" ]; then cp -a "$case_dir/in/." "$work/"; fi
 if [ -e "$case_dir/setup" ]; then
+  # Setup scripts find the bundled real data here.
+  GENETRAIN_EXAMPLES=$(cd "$case_dir/../../../examples" && pwd)
+  export GENETRAIN_EXAMPLES
   (cd "$work" && bash "$case_dir/setup") || { echo "$name: setup failed"; exit 1; }
 fi
 (cd "$work" && find . -type f | sort) > "$result/before"

@@ -1,0 +1,477 @@
+#include "model/MkChain.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace genetrain {
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+// Letters to base codes; any other letter is an unknown base, X a masked one.
+CodeSeq Codes(const std::string& letters) {
+  CodeSeq codes;
+  for (const char letter : letters) {
+    switch (letter) {
+      case 'A':
+        codes.push_back(0);
+        break;
+      case 'C':
+        codes.push_back(1);
+        break;
+      case 'G':
+        codes.push_back(2);
+        break;
+      case 'T':
+        codes.push_back(3);
+        break;
+      case 'X':
+        codes.push_back(5);
+        break;
+      default:
+        codes.push_back(4);
+        break;
+    }
+  }
+  return codes;
+}
+
+// The word index of a word in letters.
+std::size_t Word(const std::string& letters) {
+  std::size_t index = 0;
+  for (const std::uint8_t code : Codes(letters)) index = index * 4 + code;
+  return index;
+}
+
+// The reverse-complement index built letter by letter, as the definition reads.
+std::uint32_t ReverseComplementByDefinition(std::uint32_t word, int letters) {
+  std::uint32_t r = 0;
+  for (int i = 0; i < letters; ++i) {
+    r = (r * 4 + (word % 4)) ^ 3;
+    word /= 4;
+  }
+  return r;
+}
+
+// A period-3 chain with the given margins and pseudocount, estimated from the sequences.
+MkChain Coding(int order, const std::vector<std::string>& sequences, int left, int right,
+               int pseudocount) {
+  MkChain chain(order, 3, order);
+  std::vector<CodeSeq> list;
+  for (const std::string& letters : sequences) list.push_back(Codes(letters));
+  chain.Estimate(list, left, right, pseudocount);
+  return chain;
+}
+
+std::string Column(const std::vector<std::string>& rows) {
+  std::string text = "\n";
+  for (const std::string& row : rows) text.append(row).push_back('\n');
+  return text;
+}
+
+TEST(MkChainTest, ReverseComplementIndex) {
+  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("A"), 1), Word("T"));
+  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("AC"), 2), Word("GT"));
+  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("AAC"), 3), Word("GTT"));
+  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("AT"), 2), Word("AT"));
+  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("ACGTTGCAAC"), 10), Word("GTTGCAACGT"));
+  EXPECT_EQ(MkChain::ReverseComplementIndex(0, 15), (1u << 30) - 1);
+  EXPECT_EQ(MkChain::ReverseComplementIndex(5, 0), 0u);
+  EXPECT_EQ(MkChain::ReverseComplementIndex(5, -1), 0u);
+  // Only the last `letters` letters of the index count.
+  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("GGAC"), 2), Word("GT"));
+  std::mt19937 random(7);
+  for (int letters = 1; letters <= 15; ++letters) {
+    for (int i = 0; i < 2000; ++i) {
+      const std::uint32_t word = random() & ((1u << (2 * letters)) - 1);
+      ASSERT_EQ(MkChain::ReverseComplementIndex(word, letters),
+                ReverseComplementByDefinition(word, letters))
+          << word << " " << letters;
+    }
+  }
+}
+
+TEST(MkChainTest, ConstructorSizesTablesAndKeepsDefaults) {
+  const MkChain coding(2, 3, 2);
+  ASSERT_EQ(coding.tables.size(), 3u);
+  for (const std::vector<double>& table : coding.tables) {
+    EXPECT_EQ(table.size(), 64u);
+    EXPECT_EQ(std::count(table.begin(), table.end(), 0.0), 64);
+  }
+  EXPECT_EQ(coding.left_margin, 3);
+  EXPECT_EQ(coding.right_margin, 3);
+  EXPECT_EQ(coding.pseudocount, 1);
+  EXPECT_EQ(coding.precision, 5);
+  EXPECT_FALSE(coding.revcomp);
+  const MkChain noncoding(0, 1, 0);
+  ASSERT_EQ(noncoding.tables.size(), 1u);
+  EXPECT_EQ(noncoding.tables[0].size(), 4u);
+}
+
+TEST(MkChainTest, ConstructorReadsOptions) {
+  Param param;
+  param.Set("--order_non", "1");
+  param.Set("--MKCHAIN_L_MARGING", "6");
+  param.Set("--MKCHAIN_R_MARGING", "0");
+  param.Set("--MKCHAIN_PSEUDOCOUNTS", "2");
+  param.Set("--MKCHAIN_PRECISION", "3");
+  param.Set("--revcomp_non", "0.5");
+  const MkChain noncoding(4, 1, param);
+  EXPECT_EQ(noncoding.count_order, 1);
+  EXPECT_EQ(noncoding.left_margin, 6);
+  EXPECT_EQ(noncoding.right_margin, 0);
+  EXPECT_EQ(noncoding.pseudocount, 2);
+  EXPECT_EQ(noncoding.precision, 3);
+  EXPECT_TRUE(noncoding.revcomp);
+  EXPECT_EQ(noncoding.tables[0].size(), 1024u);
+  // Coding chains count at their order, whatever --order_non says, even above the order.
+  const MkChain coding(4, 3, param);
+  EXPECT_EQ(coding.count_order, 4);
+  param.Set("--order_non", "9");
+  EXPECT_EQ(MkChain(4, 3, param).count_order, 4);
+  // -1 stands for the order.
+  param.Set("--order_non", "-1");
+  EXPECT_EQ(MkChain(4, 1, param).count_order, 4);
+}
+
+TEST(MkChainTest, MalformedOptionsAreReportedAndKeepDefaults) {
+  Param param;
+  param.Set("--order_non", "1.5");
+  param.Set("--MKCHAIN_L_MARGING", "-3");
+  param.Set("--MKCHAIN_PSEUDOCOUNTS", "+1");
+  param.Set("--MKCHAIN_PRECISION", "4 digits");
+  param.Set("--revcomp_non", "yes");
+  CaptureStderr();
+  const MkChain chain(2, 1, param);
+  EXPECT_EQ(GetCapturedStderr(),
+            "error in value of parameter --order_non: 1.5\n"
+            "error in value of parameter --MKCHAIN_L_MARGING: -3\n"
+            "error in value of parameter --MKCHAIN_PSEUDOCOUNTS: +1\n"
+            "error in value of parameter --MKCHAIN_PRECISION: 4 digits\n"
+            "error in value of parameter --revcomp_non: yes\n"
+            "error in value of parameter --revcomp_non: yes\n");
+  EXPECT_EQ(chain.count_order, 2);
+  EXPECT_EQ(chain.left_margin, 3);
+  EXPECT_EQ(chain.pseudocount, 1);
+  EXPECT_EQ(chain.precision, 5);
+  EXPECT_FALSE(chain.revcomp);
+}
+
+TEST(MkChainTest, OrderZeroFromOneSequence) {
+  MkChain chain(0, 1, 0);
+  chain.Estimate(Codes("ACGTAC"));  // A 2, C 2, G 1, T 1; (count + 1) / (6 + 4)
+  EXPECT_EQ(chain.ToText(), Column({"0.30000", "0.30000", "0.20000", "0.20000"}));
+  // Each entry is the quotient itself (3 * (1 / 10) would be one unit in the last place off).
+  EXPECT_EQ(chain.tables[0], (std::vector<double>{3.0 / 10, 3.0 / 10, 2.0 / 10, 2.0 / 10}));
+  // The whole sequence counts: the margins play no part here.
+  EXPECT_EQ(chain.left_margin, 3);
+}
+
+TEST(MkChainTest, PseudocountWeighsEveryWord) {
+  MkChain none(0, 1, 0);
+  none.Estimate({Codes("ACGTAC")}, 0, 0, 0);
+  EXPECT_EQ(none.ToText(), Column({"0.33333", "0.33333", "0.16667", "0.16667"}));
+  MkChain two(0, 1, 0);
+  two.Estimate({Codes("ACGTAC")}, 0, 0, 2);  // (count + 2) / (6 + 8)
+  EXPECT_EQ(two.ToText(), Column({"0.28571", "0.28571", "0.21429", "0.21429"}));
+  // The chain's own pseudocount in the single-sequence form.
+  MkChain own(0, 1, 0);
+  own.pseudocount = 0;
+  own.Estimate(Codes("AAAC"));
+  EXPECT_EQ(own.ToText(), Column({"0.75000", "0.25000", "0.00000", "0.00000"}));
+}
+
+TEST(MkChainTest, OrderOneFromOneSequence) {
+  // Words AA, AC, CG, GA; with pseudocount 1: (1 + 1) / (4 + 16) and 1 / 20.
+  MkChain chain(1, 1, 1);
+  chain.Estimate(Codes("AACGA"));
+  std::vector<std::string> rows(16, "0.05000");
+  for (const char* word : {"AA", "AC", "CG", "GA"}) rows[Word(word)] = "0.10000";
+  EXPECT_EQ(chain.ToText(), Column(rows));
+}
+
+// ATG ACG ACT GCA TAA: margins 3 and 3 leave ACGACTGCA; frame 0 starts at its first letter.
+TEST(MkChainTest, OrderZeroPeriodThreeFramesFollowTheLeftMargin) {
+  const MkChain chain = Coding(0, {"ATGACGACTGCATAA"}, 3, 3, 1);
+  // Frame 0: A, A, G; frame 1: C, C, C; frame 2: G, T, A; (count + 1) / (3 + 4).
+  EXPECT_EQ(chain.ToText(), Column({"0.42857 0.14286 0.28571", "0.14286 0.57143 0.14286",
+                                    "0.28571 0.14286 0.28571", "0.14286 0.14286 0.28571"}));
+  // One more letter on the left: CGACTGCA, frame 0 now holds the codons' second letters.
+  const MkChain shifted = Coding(0, {"ATGACGACTGCATAA"}, 4, 3, 1);
+  // Frame 0: C, C, C; frame 1: G, T, A; frame 2: A, G.
+  EXPECT_EQ(shifted.ToText(), Column({"0.14286 0.28571 0.33333", "0.57143 0.14286 0.16667",
+                                      "0.14286 0.28571 0.33333", "0.14286 0.28571 0.16667"}));
+}
+
+TEST(MkChainTest, OrderOnePeriodThree) {
+  // A|TG AAA CCC TAA without margins: words end at offsets 1..11, frame 0 at offset 1.
+  const MkChain chain = Coding(1, {"ATGAAACCCTAA"}, 0, 0, 1);
+  // Frame 0: AT, AA, CC, TA; frame 1: TG, AA, CC, AA; frame 2: GA, AC, CT.
+  std::vector<std::string> f0(16, "0.05000"), f1(16, "0.05000"), f2(16, "0.05263");
+  for (const char* word : {"AT", "AA", "CC", "TA"}) f0[Word(word)] = "0.10000";
+  f1[Word("AA")] = "0.15000";
+  for (const char* word : {"TG", "CC"}) f1[Word(word)] = "0.10000";
+  for (const char* word : {"GA", "AC", "CT"}) f2[Word(word)] = "0.10526";
+  std::vector<std::string> rows;
+  for (std::size_t i = 0; i < 16; ++i) rows.push_back(f0[i] + " " + f1[i] + " " + f2[i]);
+  EXPECT_EQ(chain.ToText(), Column(rows));
+}
+
+TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
+  // ACNGTAC: AC (frame 0), CN and NG not counted (frames 1 and 2), GT (0), TA (1), AC (2).
+  for (const char* letters : {"ACNGTAC", "ACXGTAC"}) {
+    const MkChain chain = Coding(1, {letters}, 0, 0, 0);
+    std::vector<std::string> rows(16, "0.00000 0.00000 0.00000");
+    rows[Word("AC")] = "0.50000 0.00000 1.00000";
+    rows[Word("GT")] = "0.50000 0.00000 0.00000";
+    rows[Word("TA")] = "0.00000 1.00000 0.00000";
+    EXPECT_EQ(chain.ToText(), Column(rows)) << letters;
+  }
+  // A stretch of exactly the count order loads the word and counts nothing.
+  MkChain chain(2, 1, 2);
+  chain.Estimate({Codes("AC"), Codes("ACGN"), Codes("TTT")}, 0, 0, 0);
+  std::vector<std::string> rows(64, "0.00000");
+  rows[Word("ACG")] = "0.50000";
+  rows[Word("TTT")] = "0.50000";
+  EXPECT_EQ(chain.ToText(), Column(rows));
+}
+
+TEST(MkChainTest, ShortSequencesAreSkipped) {
+  // Length 6 with margins 3 and 3 gives nothing; length 7 gives one letter.
+  MkChain chain(0, 1, 0);
+  chain.Estimate({Codes("GGGCCC"), Codes("TTTATTT")}, 3, 3, 0);
+  EXPECT_EQ(chain.tables[0], (std::vector<double>{1, 0, 0, 0}));
+}
+
+TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
+  // AACGT with margins 1 and 0: forward ACGT gives AC, CG, GT; the reverse strand of AACG
+  // (the margins swap ends) reads CGTT: CG, GT, TT. Symmetrised: AC = GT = 1.5, CG = 2,
+  // AA = TT = 0.5, of 6.
+  MkChain chain(1, 1, 1);
+  chain.revcomp = true;
+  chain.Estimate({Codes("AACGT")}, 1, 0, 0);
+  std::vector<std::string> rows(16, "0.00000");
+  rows[Word("AC")] = rows[Word("GT")] = "0.25000";
+  rows[Word("CG")] = "0.33333";
+  rows[Word("AA")] = rows[Word("TT")] = "0.08333";
+  EXPECT_EQ(chain.ToText(), Column(rows));
+}
+
+TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
+  MkChain chain(3, 1, 3);
+  chain.revcomp = true;
+  chain.Estimate({Codes("ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT"), Codes("CCCGGGAT")}, 2, 1, 1);
+  for (std::uint32_t word = 0; word < 256; ++word) {
+    ASSERT_EQ(chain.tables[0][word], chain.tables[0][MkChain::ReverseComplementIndex(word, 4)]);
+  }
+  // Period 3 never counts the reverse strand.
+  MkChain coding(0, 3, 0);
+  coding.revcomp = true;
+  coding.Estimate({Codes("AAA")}, 0, 0, 0);
+  EXPECT_EQ(coding.tables[0], (std::vector<double>{1, 0, 0, 0}));
+  // Without symmetrising, one sequence on both strands: AAC and GTT.
+  MkChain whole(0, 1, 0);
+  whole.revcomp = true;
+  whole.pseudocount = 0;
+  whole.Estimate(Codes("AAC"));
+  EXPECT_EQ(whole.ToText(), Column({"0.33333", "0.16667", "0.16667", "0.33333"}));
+}
+
+TEST(MkChainTest, OrderOneFromCountOrderZero) {
+  // AAT: A 3/7, C 1/7, G 1/7, T 2/7 with pseudocount 1; the products are symmetrised, of 49:
+  // AA = TT = 6.5, AT = TA = 6, CC = CG = GC = GG = 1, the rest 2.5.
+  MkChain chain(1, 1, 0);
+  chain.Estimate({Codes("AAT")}, 0, 0, 1);
+  std::vector<std::string> rows(16, "0.05102");
+  rows[Word("AA")] = rows[Word("TT")] = "0.13265";
+  rows[Word("AT")] = rows[Word("TA")] = "0.12245";
+  for (const char* word : {"CC", "CG", "GC", "GG"}) rows[Word(word)] = "0.02041";
+  EXPECT_EQ(chain.ToText(), Column(rows));
+}
+
+TEST(MkChainTest, OrderTwoFromCountOrderZero) {
+  // AAT, no pseudocount: A 2/3, T 1/3. Two letters: AA = TT = 5/18, AT = TA = 4/18. Three
+  // letters from the group of the first letter: after A, A 5/9 and T 4/9; after T, A 4/9 and
+  // T 5/9. So AAA 25, AAT 20, ATA 20, ATT 16, TAA 16, TAT 20, TTA 20, TTT 25 (of 162), and
+  // symmetrised: AAT = ATT = TAA = TTA = 18.
+  MkChain chain(2, 1, 0);
+  chain.Estimate({Codes("AAT")}, 0, 0, 0);
+  std::vector<std::string> rows(64, "0.00000");
+  rows[Word("AAA")] = rows[Word("TTT")] = "0.15432";
+  rows[Word("ATA")] = rows[Word("TAT")] = "0.12346";
+  for (const char* word : {"AAT", "ATT", "TAA", "TTA"}) rows[Word(word)] = "0.11111";
+  EXPECT_EQ(chain.ToText(), Column(rows));
+}
+
+TEST(MkChainTest, ExtensionWeighsByTheFirstLettersOfTheWord) {
+  // Count order 1 on ACAG, no pseudocount, no reverse strand: AC = CA = AG = 1/3. Group A
+  // (words AA..AT): C and G, 1/2 each; group C: A only. So ACC = ACG = AGC = AGG = 1/6 and
+  // CAA = 1/3; symmetrised with GGT, CGT, GCT, CCT and TTG. ACA stays 0: the letter after AC is
+  // weighed by the group of its first letter A, not by the letters that follow C.
+  MkChain chain(2, 1, 1);
+  chain.Estimate({Codes("ACAG")}, 0, 0, 0);
+  std::vector<std::string> rows(64, "0.00000");
+  for (const char* word : {"ACC", "GGT", "ACG", "CGT", "AGC", "GCT", "AGG", "CCT"}) {
+    rows[Word(word)] = "0.08333";
+  }
+  rows[Word("CAA")] = rows[Word("TTG")] = "0.16667";
+  EXPECT_EQ(chain.ToText(), Column(rows));
+}
+
+TEST(MkChainTest, SetRandom) {
+  MkChain chain(1, 3, 1);
+  chain.SetRandom(0.6);  // A = T = 0.2, C = G = 0.3
+  std::vector<std::string> rows;
+  for (const char* value :
+       {"0.04000", "0.06000", "0.06000", "0.04000", "0.06000", "0.09000", "0.09000", "0.06000",
+        "0.06000", "0.09000", "0.09000", "0.06000", "0.04000", "0.06000", "0.06000", "0.04000"}) {
+    rows.push_back(std::string(value) + " " + value + " " + value);
+  }
+  EXPECT_EQ(chain.ToText(), Column(rows));
+  // No range check: probabilities below zero print as the smallest step.
+  MkChain odd(0, 1, 0);
+  odd.SetRandom(1.2);  // A = T = -0.1, C = G = 0.6
+  EXPECT_EQ(odd.ToText(), Column({"0.00001", "0.60000", "0.60000", "0.00001"}));
+  MkChain three(2, 1, 2);
+  three.SetRandom(0.5);
+  for (const double value : three.tables[0]) ASSERT_EQ(value, 1.0 / 64);
+  three.SetRandom(0.0);
+  EXPECT_EQ(three.tables[0][Word("ATA")], 0.125);
+  EXPECT_EQ(three.tables[0][Word("ATC")], 0.0);
+}
+
+TEST(MkChainTest, PrintingFloorsTinyValues) {
+  MkChain chain(0, 1, 0);
+  chain.tables[0] = {0.000003, 0.0, -0.5, std::numeric_limits<double>::quiet_NaN()};
+  EXPECT_EQ(chain.ToText(), Column({"0.00001", "0.00000", "0.00001", "0.00001"}));
+  chain.tables[0] = {0.00001, 0.000015, 0.999996, 2.5};
+  EXPECT_EQ(chain.ToText(), Column({"0.00001", "0.00002", "1.00000", "2.50000"}));
+  chain.tables[0] = {0.3, 0.0, 2.0, 0.5};
+  EXPECT_EQ(chain.ToText(0), Column({"1.", "0.", "2.", "1."}));
+  chain.tables[0] = {1e-11, 0.25, 0.123456789012, 0.0};
+  EXPECT_EQ(chain.ToText(10),
+            Column({"0.0000000001", "0.2500000000", "0.1234567890", "0.0000000000"}));
+  chain.precision = 2;
+  EXPECT_EQ(chain.ToText(), Column({"0.01", "0.25", "0.12", "0.00"}));
+}
+
+TEST(MkChainTest, PrintingMatchesPrintfOnManyValues) {
+  std::mt19937_64 random(11);
+  std::uniform_real_distribution<double> unit(0, 1);
+  MkChain chain(4, 3, 4);
+  for (int digits = 0; digits <= 10; ++digits) {
+    for (std::vector<double>& table : chain.tables) {
+      for (double& value : table) {
+        value = std::ldexp(unit(random), -static_cast<int>(random() % 30));
+      }
+    }
+    // Ties in decimal at the printed precision.
+    chain.tables[0][0] = 0.125;
+    chain.tables[1][0] = 0.375;
+    chain.tables[2][0] = 2.5;
+    const std::string text = chain.ToText(digits);
+    const double step = std::pow(10.0, -digits);
+    std::string expected = "\n";
+    for (std::size_t word = 0; word < chain.tables[0].size(); ++word) {
+      for (std::size_t f = 0; f < 3; ++f) {
+        double value = chain.tables[f][word];
+        if (value != 0 && value < step) value = step;
+        char number[64];
+        std::snprintf(number, sizeof number, "%#.*f", digits, value);
+        expected.append(number).push_back(f == 2 ? '\n' : ' ');
+      }
+    }
+    ASSERT_EQ(text, expected) << digits;
+  }
+}
+
+TEST(MkChainTest, OtherTableCountsPrintOnlyTheNewline) {
+  MkChain chain(1, 3, 1);
+  chain.SetRandom(0.5);
+  chain.tables.resize(2);
+  EXPECT_EQ(chain.ToText(), "\n");
+  chain.tables.clear();
+  EXPECT_EQ(chain.ToText(), "\n");
+}
+
+TEST(MkChainTest, EstimatesAddUp) {
+  MkChain chain(0, 1, 0);
+  chain.Estimate({Codes("A")}, 0, 0, 0);
+  chain.Estimate({Codes("C")}, 0, 0, 0);  // adds 1 to A = 1: A = 1/2, C = 1/2
+  EXPECT_EQ(chain.tables[0], (std::vector<double>{0.5, 0.5, 0, 0}));
+}
+
+using MkChainDeathTest = testing::Test;
+
+std::vector<CodeSeq> One(const std::string& letters) {
+  return {Codes(letters)};
+}
+
+TEST_F(MkChainDeathTest, InvalidSettings) {
+  const auto exits = testing::ExitedWithCode(1);
+  EXPECT_EXIT(MkChain(15, 1, 15), exits, testing::Eq("error: order 15\n"));
+  EXPECT_EXIT(MkChain(-1, 1, 0), exits, testing::Eq("error: order -1\n"));
+  EXPECT_EXIT(MkChain(14, 1, 15), exits, testing::Eq("error: order 15\n"));
+  EXPECT_EXIT(MkChain(5, 1, -2), exits, testing::Eq("error: order -2\n"));
+  EXPECT_EXIT(MkChain(5, 1, 6), exits,
+              testing::Eq("error: order_count 6 is higher than order 5\n"));
+  EXPECT_EXIT(MkChain(2, 2, 2), exits, testing::Eq("error: period 2\n"));
+  EXPECT_EXIT(MkChain(2, 0, 2), exits, testing::Eq("error: period 0\n"));
+  Param param;
+  param.Set("--order_non", "6");
+  EXPECT_EXIT(MkChain(5, 1, param), exits,
+              testing::Eq("error: order_count 6 is higher than order 5\n"));
+  param.Set("--order_non", "-2");
+  EXPECT_EXIT(MkChain(5, 1, param), exits, testing::Eq("error: order -2\n"));
+}
+
+TEST_F(MkChainDeathTest, EstimationErrors) {
+  const auto exits = testing::ExitedWithCode(1);
+  EXPECT_EXIT(MkChain(1, 3, 1).Estimate(std::vector<CodeSeq>{}), exits,
+              testing::Eq("error: data input empty \n"));
+  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(CodeSeq{}), exits,
+              testing::Eq("error: data input empty \n"));
+  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(One("ACGT"), -1, 2, 1), exits,
+              testing::Eq("error: Lmarg -1 Rmarg 2\n"));
+  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(One("ACGT"), 0, -4, 1), exits,
+              testing::Eq("error: Lmarg 0 Rmarg -4\n"));
+  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(One("ACGT"), 0, 0, -1), exits,
+              testing::Eq("error: pseudocount -1\n"));
+  EXPECT_EXIT(MkChain(2, 1, 1).Estimate(One("ACGT"), 0, 0, -3), exits,
+              testing::Eq("error: pseudocount -3\n"));
+  // Every sequence within the margins: nothing counted.
+  EXPECT_EXIT(MkChain(1, 3, 1).Estimate(One("ACGTAC")), exits, testing::Eq("error: count 0\n"));
+  EXPECT_EXIT(MkChain(2, 1, 0).Estimate(One("NNN"), 0, 0, 1), exits,
+              testing::Eq("error: count 0\n"));
+  // A frame table without words: frame 2 of a three-letter stretch at order 1.
+  EXPECT_EXIT(MkChain(1, 3, 1).Estimate(One("ACG"), 0, 0, 1), exits,
+              testing::Eq("error: count 0\n"));
+  EXPECT_EXIT(MkChain(2, 3, 1).Estimate(One("ACGTACGT"), 0, 0, 1), exits,
+              testing::Eq("error: order_count is supported only for period == 1 1\n"));
+  EXPECT_EXIT(
+      {
+        MkChain chain(2, 1, 0);
+        chain.tables[0].resize(4);
+        chain.Estimate(One("ACGT"), 0, 0, 1);
+      },
+      exits, testing::Eq("error in vector size 4\n"));
+}
+
+TEST_F(MkChainDeathTest, PrecisionLimit) {
+  const auto exits = testing::ExitedWithCode(1);
+  MkChain chain(0, 1, 0);
+  EXPECT_EXIT(chain.ToText(11), exits, testing::Eq("error: precision 11\n"));
+  EXPECT_EXIT(chain.ToText(-1), exits, testing::Eq("error: precision -1\n"));
+  chain.precision = 12;
+  EXPECT_EXIT(chain.ToText(), exits, testing::Eq("error: precision 12\n"));
+}
+
+}  // namespace
+}  // namespace genetrain
