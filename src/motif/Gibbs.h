@@ -1,15 +1,75 @@
 #ifndef GENETRAIN_MOTIF_GIBBS_H
 #define GENETRAIN_MOTIF_GIBBS_H
 
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "common/Param.h"
 #include "common/Report.h"
+#include "seq/VSeq.h"
 
 namespace genetrain {
 
-// The ribosome binding site model built from a Gibbs sampler's motif sites.
+// The ribosome binding site model built from a Gibbs sampler's motif sites: the position matrix
+// of the motif and the distribution of the spacer between the motif and the gene start.
 class Gibbs : public Report {
  public:
+  // The two layouts of the motif finder's output, as DetectLayout tells them.
+  static constexpr int kUnreadable = 0;
+  static constexpr int kMotifLayout = 1;      // sites listed under "MOTIF A"
+  static constexpr int kNumMotifsLayout = 3;  // a "Gibbs" line at the top, sites after "Num Motifs"
+
+  // The --gibbs command: reads the sites of the file named by --gibbs, checks them against the
+  // regions of --seq, appends the RBS sections to the --mod file and a listing to the --log file.
   bool Run(Param& param);
+
+  // kNumMotifsLayout when one of the first eleven lines begins with "Gibbs", else kMotifLayout;
+  // kUnreadable, with its message, when the file cannot be read.
+  int DetectLayout(const std::string& name);
+  // Append the sites and start positions found in the file; warnings about odd lines go to
+  // standard output. False only when the file cannot be read.
+  bool ParseMotifLayout(const std::string& name);
+  bool ParseNumMotifsLayout(const std::string& name);
+  // DetectLayout, then the parser of that layout.
+  bool Parse(const std::string& name);
+
+  // Checks the start positions against the regions (one region per site, all of one length)
+  // and turns each into the spacer after its site; sets durationLength.
+  bool ConvertPositions(const VSeq& regions);
+  // The spacer distribution, each count raised by the pseudocount, normalised.
+  bool BuildDuration(std::uint32_t pseudocount);
+  // Blurs the distribution with the kernel 0.2 0.6 0.2; the mass pushed past either end is lost.
+  void SmoothDuration();
+  // The letter probabilities per motif position; only the capitals A, C, G, T count.
+  bool BuildMatrix(std::uint32_t pseudocount);
+
+  // The tables as the model file (model) or the log lists them.
+  std::string MatrixText(bool model, std::uint32_t precision) const;
+  std::string DurationText(bool model, std::uint32_t precision) const;
+
+  std::vector<double> duration;               // by spacer length
+  std::vector<std::array<double, 5>> matrix;  // per motif position: A, C, G, T, anything else
+  std::vector<std::string> sites;             // as the motif finder wrote them
+  std::vector<std::int32_t> positions;        // 1-based starts, then spacer lengths
+  std::int32_t width = 0;
+  std::int32_t durationLength = 0;  // region length, then the number of spacer values
+
+ private:
+  struct Options;
+  bool ReadOptions(Param& param, Options& options);
+  bool CheckWidth(const std::string& name);
+  bool WriteEmptyNotice(const Options& options);
+  bool WriteModel(const Options& options);
+  bool WriteLog(const Options& options);
+
+  // One line that may hold a site: `tokens` holds `count` tokens, `full` says whether both
+  // flanks are there. Appends the site when the tokens check, and warns when the region number
+  // does not follow the sites found so far.
+  void TakeSiteLine(std::string_view line, const std::string_view* tokens, bool full,
+                    std::string& warnings);
 };
 
 }  // namespace genetrain
