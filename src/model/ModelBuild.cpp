@@ -1,11 +1,189 @@
-#include "common/Message.h"
+// --mkmod: a whole model from a genome and its gene set, or from coding and non-coding files.
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "common/Format.h"
+#include "common/Output.h"
+#include "model/MkChain.h"
+#include "model/ModelBuild.h"
 #include "model/ModelFile.h"
 
 namespace genetrain {
 
-bool RunMkmod(Report&, Param&) {
-  PrintError({"error: command not yet available: --mkmod"});
-  return false;
+namespace {
+
+constexpr std::array<std::pair<const char*, unsigned>, 4> kStartCodons = {
+    {{"ATG_", kCodonATG}, {"GTG_", kCodonGTG}, {"TTG_", kCodonTTG}, {"CTG_", kCodonCTG}}};
+
+std::string Option(std::string_view key) {
+  return std::string("--").append(key);
+}
+
+std::string Label(std::string_view key) {
+  return std::string(key).append(" ");
+}
+
+// The non-coding chain is the independent-letters model when --RANDOM_NONCOD reads as a non-zero
+// number; a malformed value is reported and the estimated chain is used.
+bool WantsRandomNonCoding(Param& param) {
+  bool random = false;
+  param.GetOpt(random, "--RANDOM_NONCOD");
+  return random;
+}
+
+// --RANDOM_NONCOD_GC when given; otherwise the caller's fraction.
+bool ReadRandomGc(Param& param, double& gc) {
+  return param.GetOpt(gc, "--RANDOM_NONCOD_GC");
+}
+
+// A start codon whose option reads as zero is no start: its entry repeats the option's text.
+void SetStartEntries(Report& report, const Genome& genome, const Param& param) {
+  for (const auto& [key, codon] : kStartCodons) {
+    const std::string value = param.ValueOrEmpty(Option(key));
+    if (std::atof(value.c_str()) == 0) {
+      report.Set(Option(key), Label(key), value);
+      continue;
+    }
+    std::string probability;
+    const double estimate = genome.start_probs.empty() ? 0.0 : genome.start_probs[codon];
+    AppendFixedPoint(probability, estimate, genome.start_precision);
+    report.Set(Option(key), Label(key), std::move(probability));
+  }
+}
+
+bool BuildFromGenome(Report& report, Param& param) {
+  std::uint32_t order = 0;
+  if (!param.Get(order, "--ORDM")) return false;
+  VSeq seq;
+  GeneSet set;
+  if (!LoadAnnotated(seq, set, param, false)) return false;
+  Genome genome(param);
+  genome.ExtractCoding(seq, set, 0, 0);
+  genome.ExtractNonCoding(seq, set);
+
+  const int chainOrder = ClampToInt(order);
+  MkChain coding(chainOrder, 3, param);
+  MkChain second(chainOrder, 3, param);
+  coding.Estimate(genome.cod1);
+  if (genome.separate_cod) second.Estimate(genome.cod2);
+  MkChain nonCoding(chainOrder, 1, param);
+  nonCoding.left_margin = 0;
+  nonCoding.right_margin = 0;
+  if (WantsRandomNonCoding(param)) {
+    double gc = 0;
+    if (param.Has("--RANDOM_NONCOD_GC")) {
+      if (!ReadRandomGc(param, gc)) return false;
+    } else {
+      gc = GcFraction(genome.non);
+      std::string line = "GC ";
+      AppendGeneral(line, gc);
+      line.push_back('\n');
+      WriteStdout(line);
+    }
+    nonCoding.SetRandom(gc);
+  } else {
+    nonCoding.Estimate(genome.non);
+  }
+  const std::string codingText = coding.ToText();
+  report.Set("--COD1", "COD1 ", codingText);
+  report.Set("--COD2", "COD2 ", genome.separate_cod ? second.ToText() : codingText);
+  report.Set("--NONC", "NONC ", nonCoding.ToText());
+
+  EstimateStartCodons(genome);
+  SetStartEntries(report, genome, param);
+  if (!param.Has("--pre_start")) return true;
+  if (!param.Has("--fixmotif") && !genome.WritePreStartFile(seq, set, param)) return false;
+  if (param.Has("--PRE_START_WIDTH") && param.Has("--fixmotif")) {
+    return BuildFixedMotif(report, genome, seq, set, param);
+  }
+  return true;
+}
+
+bool BuildFromFiles(Report& report, Param& param) {
+  std::uint32_t order = 0;
+  std::string codName;
+  std::string nonName;
+  if (!param.Get(order, "--ORDM") || !param.GetWord(codName, "--cod") ||
+      !param.GetWord(nonName, "--non")) {
+    return false;
+  }
+  VSeq coding;
+  VSeq nonCoding;
+  if (!coding.ReadSingle(codName) || !nonCoding.ReadSingle(nonName)) return false;
+
+  const int chainOrder = ClampToInt(order);
+  MkChain codingChain(chainOrder, 3, param);
+  codingChain.left_margin = 0;
+  codingChain.right_margin = 0;
+  codingChain.Estimate(coding.sequence);
+  MkChain nonChain(chainOrder, 1, param);
+  nonChain.left_margin = 0;
+  nonChain.right_margin = 0;
+  if (WantsRandomNonCoding(param)) {
+    double gc = GcFraction({nonCoding.sequence});
+    if (!ReadRandomGc(param, gc)) return false;
+    nonChain.SetRandom(gc);
+  } else {
+    nonChain.Estimate(nonCoding.sequence);
+  }
+  const std::string codingText = codingChain.ToText();
+  report.Set("--COD1", "COD1 ", codingText);
+  report.Set("--COD2", "COD2 ", codingText);
+  report.Set("--NONC", "NONC ", nonChain.ToText());
+  for (const auto& [key, codon] : kStartCodons) {
+    report.Set(Option(key), Label(key), param.ValueOrEmpty(Option(key)));
+  }
+  return true;
+}
+
+}  // namespace
+
+double GcFraction(const std::vector<CodeSeq>& sequences) {
+  std::uint64_t counts[6] = {};
+  for (const CodeSeq& sequence : sequences) {
+    for (const std::uint8_t code : sequence) ++counts[code < 5 ? code : 5];
+  }
+  const std::uint64_t acgt = counts[kA] + counts[kC] + counts[kG] + counts[kT];
+  if (acgt == 0) return 0;
+  return static_cast<double>(counts[kC] + counts[kG]) / static_cast<double>(acgt);
+}
+
+void EstimateStartCodons(Genome& genome) {
+  genome.start_counts.assign(64, 0);
+  genome.start_probs.assign(64, 0.0);
+  for (const std::vector<CodeSeq>* list : {&genome.cod1, &genome.cod2}) {
+    for (const CodeSeq& sequence : *list) {
+      if (sequence.size() < 3 || sequence[0] > 3 || sequence[1] > 3 || sequence[2] > 3) continue;
+      ++genome.start_counts[VSeq::CodonIndex(sequence[0], sequence[1], sequence[2])];
+    }
+  }
+  std::int64_t total = 0;
+  std::int64_t starts = 0;
+  for (unsigned codon = 0; codon < 64; ++codon) {
+    if (!genome.start_codons[codon]) continue;
+    total += genome.start_counts[codon];
+    ++starts;
+  }
+  if (total == 0) WriteStdout("warning, no start sites in training\n\n");
+  const std::int64_t pseudocount = genome.start_pseudocounts;
+  const std::int64_t denominator = starts * pseudocount + total;
+  if (denominator == 0) return;
+  for (unsigned codon = 0; codon < 64; ++codon) {
+    if (!genome.start_codons[codon]) continue;
+    genome.start_probs[codon] = static_cast<double>(pseudocount + genome.start_counts[codon]) /
+                                static_cast<double>(denominator);
+  }
+}
+
+bool RunMkmod(Report& report, Param& param) {
+  if (!ValidateModel(param)) return false;
+  std::string name;
+  if (!param.GetWord(name, "--mkmod")) return false;
+  const bool built =
+      param.Has("--geneset") ? BuildFromGenome(report, param) : BuildFromFiles(report, param);
+  return built && WriteModel(report, param, name);
 }
 
 }  // namespace genetrain

@@ -10,9 +10,11 @@
 #include <string>
 #include <utility>
 #include <vector>
+#include "motif/PositionMatrix.h"
 
 #include "common/Format.h"
 #include "common/Message.h"
+#include "motif/PositionMatrix.h"
 
 namespace genetrain {
 
@@ -41,14 +43,6 @@ constexpr std::array<std::uint8_t, 256> MakeCellTable() {
   return table;
 }
 constexpr std::array<std::uint8_t, 256> kCell = MakeCellTable();
-
-void AppendRow(std::string& text, const std::array<double, 5>& row, std::uint32_t precision) {
-  for (int cell = 0; cell < 4; ++cell) {
-    if (cell > 0) text.push_back(' ');
-    AppendFixedPoint(text, row[cell], precision);
-  }
-  text.push_back('\n');
-}
 
 }  // namespace
 
@@ -188,14 +182,15 @@ std::string Gibbs::MatrixText(bool model, std::uint32_t precision) const {
   std::string text;
   text.reserve(32 + matrix.size() * (4 * (std::size_t{precision} + 8) + 12));
   if (model) {
-    for (auto row = matrix.rbegin(); row != matrix.rend(); ++row) AppendRow(text, *row, precision);
+    for (auto row = matrix.rbegin(); row != matrix.rend(); ++row)
+      AppendMatrixRow(text, *row, precision);
     return text;
   }
   text.append("Pos   A   C   G   T\n");
   for (std::size_t k = 0; k < matrix.size(); ++k) {
     AppendInteger(text, k + 1);
     text.push_back(' ');
-    AppendRow(text, matrix[k], precision);
+    AppendMatrixRow(text, matrix[k], precision);
   }
   return text;
 }

@@ -9,6 +9,7 @@
 
 #include "common/Param.h"
 #include "common/Report.h"
+#include "motif/PositionMatrix.h"
 #include "seq/VSeq.h"
 
 namespace genetrain {
@@ -50,10 +51,10 @@ class Gibbs : public Report {
   std::string MatrixText(bool model, std::uint32_t precision) const;
   std::string DurationText(bool model, std::uint32_t precision) const;
 
-  std::vector<double> duration;               // by spacer length
-  std::vector<std::array<double, 5>> matrix;  // per motif position: A, C, G, T, anything else
-  std::vector<std::string> sites;             // as the motif finder wrote them
-  std::vector<std::int32_t> positions;        // 1-based starts, then spacer lengths
+  std::vector<double> duration;         // by spacer length
+  std::vector<MatrixRow> matrix;        // per motif position: A, C, G, T, anything else
+  std::vector<std::string> sites;       // as the motif finder wrote them
+  std::vector<std::int32_t> positions;  // 1-based starts, then spacer lengths
   std::int32_t width = 0;
   std::int32_t durationLength = 0;  // region length, then the number of spacer values
 
