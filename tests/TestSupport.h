@@ -3,9 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include "common/Param.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
+#include <utility>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -38,6 +42,30 @@ class ScratchDir {
 inline std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// What a command handler returned and printed.
+struct Outcome {
+  bool ok = false;
+  std::string out;
+  std::string err;
+};
+
+using Pairs = std::initializer_list<std::pair<std::string, std::string>>;
+
+// Runs a handler of a fresh working object on a store holding the pairs, catching both streams.
+template <typename Object>
+Outcome RunCommand(bool (Object::*handler)(genetrain::Param&), Pairs pairs) {
+  genetrain::Param param;
+  for (const auto& [key, value] : pairs) param.Set(key, value);
+  Object object;
+  Outcome run;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  run.ok = (object.*handler)(param);
+  run.out = testing::internal::GetCapturedStdout();
+  run.err = testing::internal::GetCapturedStderr();
+  return run;
 }
 
 }  // namespace genetrain::test

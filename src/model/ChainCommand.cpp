@@ -83,8 +83,7 @@ bool RunMkchain(Genome& genome, Param& param) {
   coding1.Estimate(genome.cod1);
   if (genome.separate_cod) coding2.Estimate(genome.cod2);
   MkChain noncoding(order, 1, param);
-  noncoding.left_margin = 0;
-  noncoding.right_margin = 0;
+  noncoding.ClearMargins();
   noncoding.Estimate(genome.non);
 
   WriteChainFile(*param.Find("--chain_cod"), coding1, genome.separate_cod ? &coding2 : nullptr);

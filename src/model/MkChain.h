@@ -30,6 +30,12 @@ class MkChain {
   // The independent-letters model of GC fraction gc.
   void SetRandom(double gc);
 
+  // For sequences taken whole: non-coding stretches, training files.
+  void ClearMargins() {
+    left_margin = 0;
+    right_margin = 0;
+  }
+
   // The printed table: a newline, then one line per word (three numbers for period 3).
   std::string ToText() const;
   std::string ToText(int precision) const;

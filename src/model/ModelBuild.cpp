@@ -69,8 +69,7 @@ bool BuildFromGenome(Report& report, Param& param) {
   coding.Estimate(genome.cod1);
   if (genome.separate_cod) second.Estimate(genome.cod2);
   MkChain nonCoding(chainOrder, 1, param);
-  nonCoding.left_margin = 0;
-  nonCoding.right_margin = 0;
+  nonCoding.ClearMargins();
   if (WantsRandomNonCoding(param)) {
     double gc = 0;
     if (param.Has("--RANDOM_NONCOD_GC")) {
@@ -115,12 +114,10 @@ bool BuildFromFiles(Report& report, Param& param) {
 
   const int chainOrder = ClampToInt(order);
   MkChain codingChain(chainOrder, 3, param);
-  codingChain.left_margin = 0;
-  codingChain.right_margin = 0;
+  codingChain.ClearMargins();
   codingChain.Estimate(coding.sequence);
   MkChain nonChain(chainOrder, 1, param);
-  nonChain.left_margin = 0;
-  nonChain.right_margin = 0;
+  nonChain.ClearMargins();
   if (WantsRandomNonCoding(param)) {
     double gc = GcFraction({nonCoding.sequence});
     if (!ReadRandomGc(param, gc)) return false;

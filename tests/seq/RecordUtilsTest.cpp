@@ -13,26 +13,9 @@
 namespace genetrain {
 namespace {
 
-using Pairs = std::initializer_list<std::pair<std::string, std::string>>;
-
-struct Outcome {
-  bool ok = false;
-  std::string out;
-  std::string err;
-};
-
-Outcome RunCommand(bool (MSSeq::*handler)(Param&), Pairs pairs) {
-  Param param;
-  for (const auto& [key, value] : pairs) param.Set(key, value);
-  MSSeq seq;
-  Outcome run;
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  run.ok = (seq.*handler)(param);
-  run.out = testing::internal::GetCapturedStdout();
-  run.err = testing::internal::GetCapturedStderr();
-  return run;
-}
+using test::Outcome;
+using test::Pairs;
+using test::RunCommand;
 
 // Standard output of a command reading one FASTA text, with extra settings.
 std::string Output(bool (MSSeq::*handler)(Param&), const std::string& fasta, Pairs extra = {}) {

@@ -12,26 +12,9 @@ namespace genetrain {
 namespace {
 
 using namespace std::string_literals;
-using Pairs = std::initializer_list<std::pair<std::string, std::string>>;
-
-struct Outcome {
-  bool ok = false;
-  std::string out;
-  std::string err;
-};
-
-Outcome RunCommand(bool (SSeq::*handler)(Param&), Pairs pairs) {
-  Param param;
-  for (const auto& [key, value] : pairs) param.Set(key, value);
-  SSeq seq;
-  Outcome run;
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  run.ok = (seq.*handler)(param);
-  run.out = testing::internal::GetCapturedStdout();
-  run.err = testing::internal::GetCapturedStderr();
-  return run;
-}
+using test::Outcome;
+using test::Pairs;
+using test::RunCommand;
 
 // The table as worked out from records read the ordinary way.
 std::string TableFromRecords(const std::string& path, std::uint32_t precision) {
