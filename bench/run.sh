@@ -1,13 +1,20 @@
 #!/usr/bin/env bash
 # Times genetrain's sequence commands next to the tool a user would pick instead, on generated
-# metagenome-like FASTA files, and rewrites the results section of docs/performance.md.
+# metagenome-like FASTA files, then its gene commands on the E. coli genome of examples/ (and on
+# that genome repeated, for the cost per base), and rewrites the results section of
+# docs/performance.md.
 #
 #   make bench             (builds build/genetrain in Release first)
 #   bash bench/run.sh      (uses the binary as it stands)
 #
 # Settings, all optional, from the environment:
-#   BENCH_SIZES  input sizes in MB (10^6 bytes), default "100 1000"; "10 100 1000 4000" for all
+#   BENCH_SIZES  input sizes in MB (10^6 bytes), default "100 1000"; "10 100 1000 4000" for all;
+#                empty for none
 #   BENCH_RUNS   timed runs of each command, default 3; the median is reported
+#   BENCH_GENES  1 (default) times the gene commands, 0 leaves them out
+#   BENCH_GENE_RUNS    timed runs of each gene command on E. coli, default 11 (they take ms)
+#   BENCH_GENE_COPIES  copies of the genome joined into one sequence for the cost per base,
+#                      default 22 (about 100 MB); empty for none
 #   BENCH_DATA   scratch folder for generated inputs and outputs, default bench/data
 #   GENETRAIN    the binary to time, default build/genetrain
 #   BENCH_DOC    the document to update, default docs/performance.md; empty = print only
@@ -16,8 +23,11 @@ set -euo pipefail
 export LC_ALL=C
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-sizes=${BENCH_SIZES:-100 1000}
+sizes=${BENCH_SIZES-100 1000}
 runs=${BENCH_RUNS:-3}
+with_genes=${BENCH_GENES:-1}
+gene_runs=${BENCH_GENE_RUNS:-11}
+gene_copies=${BENCH_GENE_COPIES-22}
 data=${BENCH_DATA:-$root/bench/data}
 bin=${GENETRAIN:-$root/build/genetrain}
 doc=${BENCH_DOC-$root/docs/performance.md}
@@ -28,6 +38,10 @@ rss_slack_mb=8
 min_throughput=500
 
 scratch=$data/scratch
+# Median wall time per "<input>.<command id>", for the cost-per-base ratios.
+declare -A walls=()
+# What the gene commands find on E. coli, for the cross-checks on the repeated genome.
+ecoli_counts=()
 mkdir -p "$data/bin" "$scratch"
 started=$(date +%s)
 
@@ -53,6 +67,11 @@ check_tools() {
   have_seqkit=1
   command -v seqkit >/dev/null || install_from_debian seqkit || have_seqkit=0
   command -v seqkit >/dev/null || have_seqkit=0
+  [ "$with_genes" = 1 ] || return 0
+  command -v getorf >/dev/null || install_from_debian emboss || true
+  # Glimmer's programs live outside PATH, behind a wrapper script.
+  long_orfs=$(command -v long-orfs || echo /usr/lib/tigr-glimmer/long-orfs)
+  [ -x "$long_orfs" ] || install_from_debian tigr-glimmer || true
 }
 
 # The generator is rebuilt when its source is newer than the binary.
@@ -103,16 +122,46 @@ command_for() {
       CMD=(seqkit seq -s -w 0 "$in") OUT=$o/seq.txt SHOWN='seqkit seq -s -w 0 F > out' ;;
     seqkit_seq) CMD=(seqkit seq -w 0 "$in") OUT=$o/seq.fa SHOWN='seqkit seq -w 0 F > out' ;;
     seqkit_split2) CMD=(seqkit split2 -s 1 -O "$o/split2" "$in") SHOWN='seqkit split2 -s 1 -O dir F' ;;
+    *) gene_command_for "$id" "$in" "$o" ;;
+  esac
+}
+
+# The gene commands of command_for, on genome $2 and the gene set $genes.
+gene_command_for() {
+  local id=$1 in=$2 o=$3
+  local stops=(--TAA_ 1 --TGA_ 1 --TAG_ 1) starts=(--ATG_ 1 --GTG_ 1 --TTG_ 1)
+  case $id in
+    orf)
+      CMD=("$bin" --orf "$o/orf.txt" --seq "$in" "${starts[@]}" "${stops[@]}" --MIN_ORF_SIZE 84)
+      SHOWN='genetrain --orf out --seq G --ATG_ 1 --GTG_ 1 --TTG_ 1 --TAA_ 1 --TGA_ 1 --TAG_ 1 --MIN_ORF_SIZE 84' ;;
+    getorf)
+      CMD=(getorf -sequence "$in" -outseq "$o/getorf.fa" -find 1 -minsize 90)
+      SHOWN='getorf -sequence G -outseq out -find 1 -minsize 90' ;;
+    long_orfs)
+      CMD=("$long_orfs" -n -t 1.15 "$in" "$o/long-orfs.txt") SHOWN='long-orfs -n -t 1.15 G out' ;;
+    parse)
+      CMD=("$bin" --parse --seq "$in" --geneset "$genes" --cod "$o/cod.txt" --non "$o/non.txt" "${stops[@]}")
+      SHOWN='genetrain --parse --seq G --geneset S --cod c --non n --TAA_ 1 --TGA_ 1 --TAG_ 1' ;;
+    pre_start)
+      CMD=("$bin" --pre_start "$o/pre.txt" --seq "$in" --geneset "$genes" --PRE_START_WIDTH 20
+        --PRE_START_RELATIVE_POS 3 "${stops[@]}")
+      SHOWN='genetrain --pre_start p --seq G --geneset S --PRE_START_WIDTH 20 --PRE_START_RELATIVE_POS 3 --TAA_ 1 --TGA_ 1 --TAG_ 1' ;;
+    stat_non)
+      CMD=("$bin" --STAT_NON_VS_ALL --seq "$in" --geneset "$genes")
+      SHOWN='genetrain --STAT_NON_VS_ALL --seq G --geneset S' ;;
+    orf_per_seq)
+      CMD=("$bin" --ORF_PER_SEQ --seq "$in" --geneset "$genes" "${starts[@]}" "${stops[@]}" --MIN_ORF_SIZE 84)
+      SHOWN='genetrain --ORF_PER_SEQ --seq G --geneset S --ATG_ 1 --GTG_ 1 --TTG_ 1 --TAA_ 1 --TGA_ 1 --TAG_ 1 --MIN_ORF_SIZE 84' ;;
     *) say "unknown command id $id"; exit 1 ;;
   esac
 }
 
 # Runs a command once untimed (warming up) and prints "ok", "not yet available" (the build does
-# not provide it yet), "missing" (seqkit absent) or "failed (status N)".
+# not provide it yet), "missing" (the peer is not installed) or "failed (status N)".
 probe() {
   local id=$1 in=$2 status=0
   command_for "$id" "$in"
-  if [ "${CMD[0]}" = seqkit ] && [ "$have_seqkit" = 0 ]; then echo missing; return; fi
+  if ! command -v "${CMD[0]}" > /dev/null; then echo missing; return; fi
   rm -rf "$scratch/out" && mkdir -p "$scratch/out"
   "${CMD[@]}" > "$OUT" 2> "$scratch/stderr.txt" || status=$?
   if grep -q 'command not yet available' "$scratch/stderr.txt"; then
@@ -169,6 +218,7 @@ run_pair() {
   if [ "$ours_state" = ok ]; then
     summarise "$size.$ours.$peer.a"
     ours_wall=$WALL
+    walls[$size.$ours]=$WALL
     ours_row="| $WALL | $CPU | $RSS_MB | $(calc "printf \"%.0f\", $mb / ($WALL > 0 ? $WALL : 0.01)")"
     ours_rss=$RSS_MB
   else
@@ -179,25 +229,31 @@ run_pair() {
   local ratio="" verdict=""
   if [ "$peer_state" = ok ]; then
     summarise "$size.$ours.$peer.b"
+    walls[$size.$peer]=$WALL
     peer_row="| $WALL | $CPU | $RSS_MB | $(calc "printf \"%.0f\", $mb / ($WALL > 0 ? $WALL : 0.01)")"
     [ -n "$ours_wall" ] && ratio=$(calc "printf \"%.2f\", $ours_wall / ($WALL > 0 ? $WALL : 0.01)")
   else
     peer_row="| $peer_state | | | "
   fi
-  [ -n "$ours_wall" ] && verdict=$(verdict "$ours" "$ours_wall" "$ratio" "$ours_rss" "$mb")
+  [ -n "$ours_wall" ] && verdict=$(verdict "$ours" "$ours_wall" "$ratio" "$ours_rss" "$mb" "$peer")
   printf '| `%s` %s | %s | %s |\n' "$ours_shown" "$ours_row" "$ratio" "$verdict"
   printf '| `%s` %s | | |\n' "$SHOWN" "$peer_row"
 }
 
 # The targets of docs/performance.md, judged on one result.
 verdict() {
-  local id=$1 wall=$2 ratio=$3 rss=$4 mb=$5 speed="" memory=""
+  local id=$1 wall=$2 ratio=$3 rss=$4 mb=$5 peer=${6:-} speed="" memory=""
   case $id in
     stat | gc) [ -n "$ratio" ] && speed=$(calc "print ($ratio < 1) ? \"faster: yes\" : \"faster: no\"") ;;
     stat_fasta | count_substring_n)
       [ -n "$ratio" ] && speed=$(calc "print ($ratio <= 2) ? \"within 2x: yes\" : \"within 2x: no\"") ;;
     clean_join | clean | split)
       speed=$(calc "print ($mb / ($wall > 0 ? $wall : 0.01) >= $min_throughput) ? \"500 MB/s: yes\" : \"500 MB/s: no\"") ;;
+    orf)
+      [ "$peer" = getorf ] || return 0
+      [ -n "$ratio" ] && speed=$(calc "print ($ratio <= 0.33) ? \"3x faster: yes\" : \"3x faster: no\"")
+      [ -n "$ratio" ] && speed+=$(calc "print ($ratio <= 0.1) ? \" (later 10x: yes)\" : \" (later 10x: no)\"") ;;
+    parse | pre_start) speed=$(calc "print ($wall < 0.05) ? \"under 50 ms: yes\" : \"under 50 ms: no\"") ;;
   esac
   case $id in
     stat | gc | stat_fasta | count_substring_n)
@@ -267,6 +323,193 @@ check_size() {
   rm -rf "$o"
 }
 
+# Gene commands: on the E. coli MG1655 chromosome with its gene set, next to EMBOSS getorf (and
+# Glimmer's long-orfs, for information), then on the chromosome repeated $gene_copies times in
+# one sequence, where each command should take about that many times as long.
+
+# Sets GENOME and genes to the chromosome repeated $1 times and its gene set, each copy's genes
+# moved by the copy's start; written once into $data/genes/.
+gene_inputs() {
+  local copies=$1 dir=$data/genes length
+  local one=$dir/ecoli_x1.fa
+  GENOME=$dir/ecoli_x$copies.fa
+  genes=$dir/ecoli_x$copies.genes
+  mkdir -p "$dir"
+  if [ ! -s "$one" ] || [ ! -s "$dir/ecoli_x1.genes" ]; then
+    gzip -dc "$root/examples/ecoli_mg1655.genes.gz" > "$dir/ecoli_x1.genes"
+    gzip -dc "$root/examples/ecoli_mg1655.fasta.gz" > "$one.part" && mv "$one.part" "$one"
+  fi
+  [ "$copies" = 1 ] && return 0
+  [ -s "$GENOME" ] && [ -s "$genes" ] && return 0
+  say "writing $GENOME and its gene set"
+  length=$(awk '!/^>/ { n += length($0) } END { printf "%.0f", n }' "$one")
+  {
+    printf '>ecoli_mg1655_x%d\n' "$copies"
+    for ((k = 0; k < copies; k++)); do tail -n +2 "$one"; done
+  } > "$GENOME.part"
+  # Six columns again, with the '<' and '>' marks of open ends kept; ids get the copy number.
+  awk -v copies="$copies" -v len="$length" '
+    function moved(v, by, mark) {
+      mark = substr(v, 1, 1)
+      if (mark == "<" || mark == ">") return mark (substr(v, 2) + by)
+      return v + by
+    }
+    { line[NR] = $0 }
+    END {
+      OFS = "\t"
+      for (k = 0; k < copies; k++)
+        for (i = 1; i <= NR; i++) {
+          $0 = line[i]
+          $1 = (k + 1) "_" $1; $3 = moved($3, k * len); $4 = moved($4, k * len)
+          print
+        }
+    }' "$dir/ecoli_x1.genes" > "$genes"
+  mv "$GENOME.part" "$GENOME"
+}
+
+# Times commands without a peer, round-robin, and prints a row each. With a base input name
+# ($4), the ratio column holds the wall time over that of the same command on the base input.
+run_alone() {
+  local size=$1 in=$2 mb=$3 base=$4 limit=$5 id r ratio verdict
+  shift 5
+  local -A state=()
+  for id in "$@"; do
+    state[$id]=$(probe "$id" "$in")
+    say "  $id (${state[$id]})"
+    rm -f "$scratch/times.$size.$id"
+  done
+  for ((r = 1; r <= runs; r++)); do
+    for id in "$@"; do [ "${state[$id]}" = ok ] && measure "$size.$id" "$id" "$in"; done
+  done
+  for id in "$@"; do
+    command_for "$id" "$in"
+    if [ "${state[$id]}" != ok ]; then
+      printf '| `%s` | %s | | | | | |\n' "$SHOWN" "${state[$id]}"
+      continue
+    fi
+    summarise "$size.$id"
+    walls[$size.$id]=$WALL
+    ratio="" verdict=""
+    if [ -n "$base" ] && [ -n "${walls[$base.$id]:-}" ]; then
+      ratio=$(calc "printf \"%.1f\", $WALL / (${walls[$base.$id]} > 0 ? ${walls[$base.$id]} : 0.001)")
+      [ "${CMD[0]}" = "$bin" ] &&
+        verdict=$(calc "print ($ratio <= $limit) ? \"at most ${limit}x: yes\" : \"at most ${limit}x: no\"")
+    elif [ -z "$base" ]; then
+      verdict=$(verdict "$id" "$WALL" "" "$RSS_MB" "$mb")
+    fi
+    printf '| `%s` | %s | %s | %s | %s | %s | %s |\n' "$SHOWN" "$WALL" "$CPU" "$RSS_MB" \
+      "$(calc "printf \"%.0f\", $mb / ($WALL > 0 ? $WALL : 0.001)")" "$ratio" "$verdict"
+  done
+}
+
+gene_table_head() {
+  local mb=$1 count=$2 title=$3 ratio=$4
+  echo
+  echo "### $title: $mb MB, $count genes"
+  echo
+  echo "| command (G = genome, S = gene set) | wall s | CPU s | peak RSS MB | MB/s | $ratio | target |"
+  echo '|---|---|---|---|---|---|---|'
+}
+
+run_genes() {
+  local runs=$gene_runs in mb count
+  gene_inputs 1
+  in=$GENOME
+  mb=$(calc "printf \"%.1f\", $(stat -c %s "$in") / 1e6")
+  count=$(wc -l < "$genes")
+  say "gene commands on $in: $mb MB, $count genes"
+  gene_table_head "$mb" "$count" "Gene commands on E. coli MG1655" "wall ratio"
+  run_pair ecoli "$in" orf getorf "$mb"
+  run_pair ecoli "$in" orf long_orfs "$mb"
+  run_alone ecoli "$in" "$mb" "" "" parse pre_start stat_non orf_per_seq
+  echo
+  check_genes_ecoli "$in"
+  [ -n "$gene_copies" ] || return 0
+  runs=${BENCH_RUNS:-3}
+  local copies=$gene_copies limit
+  limit=$(calc "printf \"%g\", $copies * 25 / 22")
+  gene_inputs "$copies"
+  in=$GENOME
+  mb=$(calc "printf \"%.1f\", $(stat -c %s "$in") / 1e6")
+  count=$(wc -l < "$genes")
+  say "gene commands on $in: $mb MB, $count genes"
+  cat "$in" > /dev/null
+  gene_table_head "$mb" "$count" "Gene commands on E. coli x $copies, one sequence" "x E. coli wall"
+  run_alone "x$copies" "$in" "$mb" ecoli "$limit" orf getorf parse pre_start stat_non orf_per_seq
+  echo
+  check_genes_copies "$in" "$copies"
+}
+
+# Sets GENE_COUNTS to what the gene commands find on genome $1: coding lines of --parse, regions
+# of --pre_start, codons counted by --orf, ORFs listed, and the --STAT_NON_VS_ALL line.
+gene_counts() {
+  local in=$1 o=$scratch/out cod pre codons orfs stat
+  rm -rf "$o" && mkdir -p "$o"
+  command_for parse "$in"
+  "${CMD[@]}" 2> /dev/null || true
+  cod=$(grep -vc '^>' "$o/cod.txt" 2> /dev/null || true)
+  command_for pre_start "$in"
+  "${CMD[@]}" 2> /dev/null || true
+  pre=$(grep -c '^>' "$o/pre.txt" 2> /dev/null || true)
+  command_for orf "$in"
+  codons=$("${CMD[@]}" 2> /dev/null | awk '{ printf "%s%s", sep, $3; sep = "/" }' || true)
+  orfs=$(grep -c . "$o/orf.txt" 2> /dev/null || true)
+  command_for stat_non "$in"
+  stat=$("${CMD[@]}" 2> /dev/null || true)
+  GENE_COUNTS=("${cod:-0}" "${pre:-0}" "${codons:-0/0}" "${orfs:-0}" "$stat")
+  rm -rf "$o"
+}
+
+# Cross-checks on E. coli, outside the timing: the --STAT_NON_VS_ALL line of docs/commands.md,
+# and the ORFs of --orf with ATG starts against getorf's (table 0 starts only at ATG; its
+# lengths count the start codon, which --MIN_ORF_SIZE does not).
+check_genes_ecoli() {
+  local in=$1 o=$scratch/out expected='0.124308  50.8 43.1064'
+  gene_counts "$in"
+  ecoli_counts=("${GENE_COUNTS[@]}")
+  if [ "${GENE_COUNTS[4]}" = "$expected" ]; then
+    echo "- \`--STAT_NON_VS_ALL\` prints \`$expected\`, as documented."
+  else
+    echo "- **\`--STAT_NON_VS_ALL\` prints \`${GENE_COUNTS[4]}\`, not \`$expected\`.**"
+  fi
+  command -v getorf > /dev/null || return 0
+  mkdir -p "$o"
+  "$bin" --orf "$o/atg.txt" --seq "$in" --ATG_ 1 --TAA_ 1 --TGA_ 1 --TAG_ 1 --MIN_ORF_SIZE 87 > /dev/null 2>&1 || true
+  getorf -sequence "$in" -outseq "$o/getorf.fa" -find 1 -minsize 90 2> /dev/null || true
+  # getorf shows [first - last] of the ORF without its stop codon, [last - first] on the reverse strand.
+  awk '/^>/ { a = $2; b = $4; sub(/\[/, "", a); sub(/\]/, "", b)
+      if ($5 == "(REVERSE") print b, a - 3, 2; else print a + 3, b, 1 }' "$o/getorf.fa" | sort > "$o/theirs"
+  awk 'NF { print $1, $2, $4 }' "$o/atg.txt" | sort > "$o/ours"
+  local ours theirs
+  ours=$(wc -l < "$o/ours") theirs=$(wc -l < "$o/theirs")
+  if [ "$ours" -gt 0 ] && cmp -s "$o/ours" "$o/theirs"; then
+    echo "- \`--orf\` with \`--ATG_ 1\` only and \`--MIN_ORF_SIZE 87\` lists the same $ours ORFs as \`getorf -find 1 -minsize 90\`."
+  else
+    echo "- **\`--orf\` with ATG starts lists $ours ORFs, getorf $theirs; $(comm -3 "$o/ours" "$o/theirs" | wc -l) differ.**"
+  fi
+  rm -rf "$o"
+}
+
+# Cross-checks on the repeated genome: every copy gives the same coding lines, pre-start regions,
+# codons (bar those across the joins) and shares.
+check_genes_copies() {
+  local in=$1 copies=$2
+  [ "${#ecoli_counts[@]}" = 5 ] || return 0
+  gene_counts "$in"
+  local c=("${GENE_COUNTS[@]}") e=("${ecoli_counts[@]}") starts
+  if [ "${c[0]}" = $((copies * e[0])) ] && [ "${c[1]}" = $((copies * e[1])) ]; then
+    echo "- \`--parse\` wrote $copies x ${e[0]} coding lines, \`--pre_start\` $copies x ${e[1]} regions."
+  else
+    echo "- **\`--parse\` wrote ${c[0]} coding lines, \`--pre_start\` ${c[1]} regions: not $copies x ${e[0]} and $copies x ${e[1]}.**"
+  fi
+  starts=$((copies * ${e[2]%/*}))
+  if [ "${c[2]%/*}" = "$starts" ] && [ "${c[4]}" = "${e[4]}" ]; then
+    echo "- \`--orf\` counted $copies x the starts of E. coli ($starts) and $((${c[2]#*/} - copies * ${e[2]#*/})) more stops (across the joins), listed ${c[3]} ORFs ($copies x ${e[3]} = $((copies * e[3]))); \`--STAT_NON_VS_ALL\` prints the same line."
+  else
+    echo "- **\`--orf\` counted ${c[2]} starts/stops (E. coli ${e[2]}); \`--STAT_NON_VS_ALL\` prints \`${c[4]}\` (E. coli \`${e[4]}\`).**"
+  fi
+}
+
 machine_lines() {
   local cpu memory
   cpu=$(awk -F': ' '/^model name/ { print $2; exit }' /proc/cpuinfo)
@@ -274,7 +517,12 @@ machine_lines() {
   echo "- Run of $(date -u '+%Y-%m-%d %H:%M UTC'), genetrain $(git -C "$root" rev-parse --short HEAD 2>/dev/null || echo '(no git)') plus any local changes."
   echo "- Machine: $cpu, $(nproc) CPUs, $memory RAM, Linux $(uname -r)."
   echo "- Tools: $( [ "$have_seqkit" = 1 ] && seqkit version | head -n 1 || echo 'seqkit missing'), $(g++ --version | head -n 1)."
-  echo "- $runs runs of each command, alternating with its peer; medians shown."
+  if [ "$with_genes" = 1 ]; then
+    echo "- Gene peers: EMBOSS getorf $(dpkg-query -W -f '${Version}' emboss 2> /dev/null || echo missing), Glimmer long-orfs $(dpkg-query -W -f '${Version}' tigr-glimmer 2> /dev/null || echo missing) (Debian packages \`emboss\`, \`tigr-glimmer\`)."
+  fi
+  echo "- $runs runs of each command, alternating with its peer; medians shown.$(
+    [ "$with_genes" = 1 ] && echo " Gene commands on E. coli: $gene_runs runs each.")"
+  echo "- Load average (1, 5, 15 min) at the start: $(cut -d ' ' -f 1-3 /proc/loadavg)."
 }
 
 # Replaces the text between the two markers of the document by the new results.
@@ -300,6 +548,7 @@ main() {
   {
     machine_lines
     for size in $sizes; do run_size "$size"; done
+    if [ "$with_genes" = 1 ]; then run_genes; fi
     echo
     echo "Whole run: $(($(date +%s) - started)) s including input generation."
   } > "$results"
