@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Times genetrain's sequence commands next to the tool a user would pick instead, on generated
 # metagenome-like FASTA files, then its gene commands on the E. coli genome of examples/ (and on
-# that genome repeated, for the cost per base), and rewrites the results section of
-# docs/performance.md.
+# that genome repeated, for the cost per base), then its model commands on that genome, and
+# rewrites the results sections of docs/performance.md.
 #
 #   make bench             (builds build/genetrain in Release first)
 #   bash bench/run.sh      (uses the binary as it stands)
@@ -13,6 +13,8 @@
 #   BENCH_RUNS   timed runs of each command, default 3; the median is reported
 #   BENCH_GENES  1 (default) times the gene commands, 0 leaves them out
 #   BENCH_GENE_RUNS    timed runs of each gene command on E. coli, default 11 (they take ms)
+#   BENCH_MODEL  1 (default) times the model commands (runs: BENCH_GENE_RUNS, default 5 here;
+#                the large orders: BENCH_RUNS), 0 leaves them out
 #   BENCH_GENE_COPIES  copies of the genome joined into one sequence for the cost per base,
 #                      default 22 (about 100 MB); empty for none
 #   BENCH_DATA   scratch folder for generated inputs and outputs, default bench/data
@@ -27,6 +29,8 @@ sizes=${BENCH_SIZES-100 1000}
 runs=${BENCH_RUNS:-3}
 with_genes=${BENCH_GENES:-1}
 gene_runs=${BENCH_GENE_RUNS:-11}
+with_model=${BENCH_MODEL:-1}
+model_runs=${BENCH_GENE_RUNS:-5}
 gene_copies=${BENCH_GENE_COPIES-22}
 data=${BENCH_DATA:-$root/bench/data}
 bin=${GENETRAIN:-$root/build/genetrain}
@@ -67,6 +71,9 @@ check_tools() {
   have_seqkit=1
   command -v seqkit >/dev/null || install_from_debian seqkit || have_seqkit=0
   command -v seqkit >/dev/null || have_seqkit=0
+  if [ "$with_model" = 1 ]; then
+    command -v prodigal > /dev/null || install_from_debian prodigal || true
+  fi
   [ "$with_genes" = 1 ] || return 0
   command -v getorf >/dev/null || install_from_debian emboss || true
   # Glimmer's programs live outside PATH, behind a wrapper script.
@@ -80,6 +87,11 @@ build_generator() {
   if [ ! -x "$generator" ] || [ "$root/bench/metagen.cpp" -nt "$generator" ]; then
     say "compiling bench/metagen.cpp"
     g++ -std=c++20 -O2 -Wall -Wextra -o "$generator" "$root/bench/metagen.cpp"
+  fi
+  floor=$data/bin/kmer_floor
+  if [ "$with_model" = 1 ] && { [ ! -x "$floor" ] || [ "$root/bench/kmer_floor.c" -nt "$floor" ]; }; then
+    say "compiling bench/kmer_floor.c"
+    gcc -O2 -Wall -Wextra -o "$floor" "$root/bench/kmer_floor.c"
   fi
 }
 
@@ -152,6 +164,28 @@ gene_command_for() {
     orf_per_seq)
       CMD=("$bin" --ORF_PER_SEQ --seq "$in" --geneset "$genes" "${starts[@]}" "${stops[@]}" --MIN_ORF_SIZE 84)
       SHOWN='genetrain --ORF_PER_SEQ --seq G --geneset S --ATG_ 1 --GTG_ 1 --TTG_ 1 --TAA_ 1 --TGA_ 1 --TAG_ 1 --MIN_ORF_SIZE 84' ;;
+    *) model_command_for "$id" "$in" "$o" ;;
+  esac
+}
+
+# The model commands of command_for, on genome $2 and the gene set $genes; the floor reads the
+# coding training file $cod_file.
+model_command_for() {
+  local id=$1 in=$2 o=$3 order
+  local stops=(--TAA_ 1 --TGA_ 1 --TAG_ 1)
+  case $id in
+    mkmod)
+      CMD=("$bin" --mkmod "$o/model.mod" --par "$root/examples/ecoli.par" --seq "$in" --geneset "$genes")
+      SHOWN='genetrain --mkmod m --par examples/ecoli.par --seq G --geneset S' ;;
+    mkchain*)
+      order=${id#mkchain}
+      CMD=("$bin" --mkchain --chain_cod "$o/cod.chain" --chain_non "$o/non.chain" --order "$order"
+        --seq "$in" --geneset "$genes" "${stops[@]}")
+      SHOWN="genetrain --mkchain --chain_cod c --chain_non n --order $order --seq G --geneset S --TAA_ 1 --TGA_ 1 --TAG_ 1" ;;
+    prodigal_train)
+      CMD=(prodigal -p single -i "$in" -t "$o/train.trn") OUT=$o/prodigal.txt
+      SHOWN='prodigal -p single -i G -t train.trn' ;;
+    kmer_floor) CMD=("$floor" "$cod_file") SHOWN='kmer_floor c (c = coding file of --parse)' ;;
     *) say "unknown command id $id"; exit 1 ;;
   esac
 }
@@ -226,12 +260,14 @@ run_pair() {
   fi
   local ours_shown=$SHOWN
   command_for "$peer" "$in"
-  local ratio="" verdict=""
+  local ratio="" verdict="" digits=2
+  # The model commands take about 1 % of their peer's time: a third digit shows it.
+  [ "$size" = model ] && digits=3
   if [ "$peer_state" = ok ]; then
     summarise "$size.$ours.$peer.b"
     walls[$size.$peer]=$WALL
     peer_row="| $WALL | $CPU | $RSS_MB | $(calc "printf \"%.0f\", $mb / ($WALL > 0 ? $WALL : 0.01)")"
-    [ -n "$ours_wall" ] && ratio=$(calc "printf \"%.2f\", $ours_wall / ($WALL > 0 ? $WALL : 0.01)")
+    [ -n "$ours_wall" ] && ratio=$(calc "printf \"%.${digits}f\", $ours_wall / ($WALL > 0 ? $WALL : 0.01)")
   else
     peer_row="| $peer_state | | | "
   fi
@@ -254,6 +290,14 @@ verdict() {
       [ -n "$ratio" ] && speed=$(calc "print ($ratio <= 0.33) ? \"3x faster: yes\" : \"3x faster: no\"")
       [ -n "$ratio" ] && speed+=$(calc "print ($ratio <= 0.1) ? \" (later 10x: yes)\" : \" (later 10x: no)\"") ;;
     parse | pre_start) speed=$(calc "print ($wall < 0.05) ? \"under 50 ms: yes\" : \"under 50 ms: no\"") ;;
+    mkmod | mkchain5)
+      if [ "$peer" = kmer_floor ]; then
+        [ -n "$ratio" ] && speed=$(calc "print ($ratio <= 2) ? \"within 2x of floor: yes\" : \"within 2x of floor: no\"")
+      else
+        speed=$(calc "print ($wall < 0.1) ? \"under 100 ms: yes\" : \"under 100 ms: no\"")
+        [ -n "$ratio" ] && speed+=$(calc "print ($ratio <= 0.1) ? \"; 0.1x: yes\" : \"; 0.1x: no\"")
+        [ -n "$ratio" ] && speed+=$(calc "print ($ratio <= 0.03) ? \" (later 0.03x: yes)\" : \" (later 0.03x: no)\"")
+      fi ;;
   esac
   case $id in
     stat | gc | stat_fasta | count_substring_n)
@@ -510,6 +554,39 @@ check_genes_copies() {
   fi
 }
 
+# Model commands on E. coli: --mkmod and --mkchain next to Prodigal's training, --mkchain next
+# to the k-mer counting floor, and the memory of the large orders.
+run_model() {
+  local runs=$model_runs in mb count
+  gene_inputs 1
+  in=$GENOME
+  mb=$(calc "printf \"%.1f\", $(stat -c %s "$in") / 1e6")
+  count=$(wc -l < "$genes")
+  cod_file=$data/genes/ecoli_x1.cod.txt
+  "$bin" --parse --seq "$in" --geneset "$genes" --cod "$cod_file" --non "$data/genes/ecoli_x1.non.txt" \
+    --TAA_ 1 --TGA_ 1 --TAG_ 1 2> /dev/null || rm -f "$cod_file"
+  say "model commands on $in: $mb MB, $count genes"
+  gene_table_head "$mb" "$count" "Model commands on E. coli MG1655" "wall ratio"
+  run_pair model "$in" mkmod prodigal_train "$mb"
+  run_pair model "$in" mkchain5 prodigal_train "$mb"
+  run_pair model "$in" mkchain5 kmer_floor "$mb"
+  runs=${BENCH_RUNS:-3}
+  run_alone model "$in" "$mb" "" "" mkchain10 mkchain11
+  echo
+  model_notes
+}
+
+# What the floor reads, and what order 12 would need.
+model_notes() {
+  local floor_wall=${walls[model.kmer_floor]:-} cod_mb genes_in
+  if [ -n "$floor_wall" ] && [ -s "$cod_file" ]; then
+    cod_mb=$(calc "printf \"%.1f\", $(stat -c %s "$cod_file") / 1e6")
+    genes_in=$(grep -vc '^>' "$cod_file")
+    echo "- The floor reads the $cod_mb MB coding file of \`--parse\` ($genes_in genes, one per line) and counts the 6-letter words of the three codon positions in $floor_wall s ($(calc "printf \"%.0f\", $cod_mb / ($floor_wall > 0 ? $floor_wall : 0.001)") MB/s); it does not read the genome or the gene set, cut the genes, count the non-coding words, turn counts into probabilities or print the chains."
+  fi
+  echo "- \`--order 12\`, not run: seven tables (two coding chains of three frames, one non-coding) of 4^13 doubles, $(calc "printf \"%.2f\", 7 * 4^13 * 8 / 1e9") GB, plus the printed text; the target \"order 12 within 2 GB\" is not met."
+}
+
 machine_lines() {
   local cpu memory
   cpu=$(awk -F': ' '/^model name/ { print $2; exit }' /proc/cpuinfo)
@@ -525,17 +602,17 @@ machine_lines() {
   echo "- Load average (1, 5, 15 min) at the start: $(cut -d ' ' -f 1-3 /proc/loadavg)."
 }
 
-# Replaces the text between the two markers of the document by the new results.
+# Replaces the text between the two markers named $2 in the document by the new results.
 update_doc() {
-  local results=$1
+  local results=$1 name=$2
   if [ -z "$doc" ]; then cat "$results"; return; fi
-  if [ ! -e "$doc" ] || ! grep -q '^<!-- bench-results:begin -->$' "$doc"; then
-    say "note: $doc has no results markers; appending them"
-    printf '\n<!-- bench-results:begin -->\n<!-- bench-results:end -->\n' >> "$doc"
+  if [ ! -e "$doc" ] || ! grep -q "^<!-- $name:begin -->\$" "$doc"; then
+    say "note: $doc has no $name markers; appending them"
+    printf '\n<!-- %s:begin -->\n<!-- %s:end -->\n' "$name" "$name" >> "$doc"
   fi
-  awk -v results="$results" '
-    /^<!-- bench-results:begin -->$/ { print; while ((getline line < results) > 0) print line; skip = 1; next }
-    /^<!-- bench-results:end -->$/ { skip = 0 }
+  awk -v results="$results" -v begin="<!-- $name:begin -->" -v end="<!-- $name:end -->" '
+    $0 == begin { print; while ((getline line < results) > 0) print line; skip = 1; next }
+    $0 == end { skip = 0 }
     !skip { print }' "$doc" > "$doc.new"
   mv "$doc.new" "$doc"
   say "updated $doc"
@@ -545,15 +622,36 @@ main() {
   check_tools
   build_generator
   local results=$scratch/results.md size
+  # A run of the model commands alone leaves the other results in place, and the other way round.
+  if [ -n "${sizes// /}" ] || [ "$with_genes" = 1 ]; then
+    {
+      machine_lines
+      for size in $sizes; do run_size "$size"; done
+      if [ "$with_genes" = 1 ]; then run_genes; fi
+      echo
+      echo "Whole run: $(($(date +%s) - started)) s including input generation."
+    } > "$results"
+    rm -rf "$scratch/out"
+    update_doc "$results" bench-results
+  fi
+  [ "$with_model" = 1 ] || return 0
+  local model_started
+  model_started=$(date +%s)
   {
-    machine_lines
-    for size in $sizes; do run_size "$size"; done
-    if [ "$with_genes" = 1 ]; then run_genes; fi
+    model_lines
+    run_model
     echo
-    echo "Whole run: $(($(date +%s) - started)) s including input generation."
+    echo "Model commands: $(($(date +%s) - model_started)) s."
   } > "$results"
   rm -rf "$scratch/out"
-  update_doc "$results"
+  update_doc "$results" bench-model
+}
+
+model_lines() {
+  echo "- Run of $(date -u '+%Y-%m-%d %H:%M UTC'), genetrain $(git -C "$root" rev-parse --short HEAD 2>/dev/null || echo '(no git)') plus any local changes."
+  echo "- Machine: $(awk -F': ' '/^model name/ { print $2; exit }' /proc/cpuinfo), $(nproc) CPUs; $(gcc --version | head -n 1); Prodigal $(dpkg-query -W -f '${Version}' prodigal 2> /dev/null || echo missing) (Debian package \`prodigal\`)."
+  echo "- $model_runs runs of each command, alternating with its peer, medians shown; orders 10 and 11: ${BENCH_RUNS:-3} runs."
+  echo "- Load average (1, 5, 15 min) at the start: $(cut -d ' ' -f 1-3 /proc/loadavg)."
 }
 
 main "$@"
