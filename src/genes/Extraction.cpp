@@ -73,6 +73,15 @@ double GcPercent(const BaseCounts& counts) {
   return static_cast<double>(counts[kC] + counts[kG]) * 100 / static_cast<double>(acgt);
 }
 
+// --non must name a file; the margins are read and checked (--intergenic does not use them).
+bool ReadNonAndMargins(Param& param, int& left, int& right) {
+  if (!param.IsWord("--non")) {
+    PrintError({"error, key missing ", "--non"});
+    return false;
+  }
+  return ReadMargins(param, left, right);
+}
+
 }  // namespace
 
 void Genome::ExtractCoding(const VSeq& seq, const GeneSet& set, int left_margin, int right_margin) {
@@ -148,12 +157,8 @@ bool RunParse(Genome& genome, Param& param) {
     PrintError({"error, file name missing ", "--cod"});
     return false;
   }
-  if (!param.IsWord("--non")) {
-    PrintError({"error, key missing ", "--non"});
-    return false;
-  }
   int left = 0, right = 0;
-  if (!ReadMargins(param, left, right)) return false;
+  if (!ReadNonAndMargins(param, left, right)) return false;
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, false)) return false;
@@ -165,12 +170,8 @@ bool RunParse(Genome& genome, Param& param) {
 }
 
 bool RunIntergenic(Genome& genome, Param& param) {
-  if (!param.IsWord("--non")) {
-    PrintError({"error, key missing ", "--non"});
-    return false;
-  }
   int left = 0, right = 0;
-  if (!ReadMargins(param, left, right)) return false;
+  if (!ReadNonAndMargins(param, left, right)) return false;
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, true)) return false;
