@@ -5,7 +5,7 @@ BUILD_DIR ?= build
 SANITIZE_DIR ?= build-sanitize
 JOBS ?= $(shell nproc)
 
-.PHONY: all build test test-sanitize bench deps format clean
+.PHONY: all build test test-sanitize test-valgrind fuzz bench deps format clean
 
 all: build
 
@@ -24,6 +24,15 @@ test-sanitize: deps
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
 	  ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS)
+
+# Every fuzz target for FUZZ_SECONDS seconds (libFuzzer, clang, ASan + UBSan).
+FUZZ_SECONDS ?= 30
+fuzz:
+	bash fuzz/run.sh $(FUZZ_SECONDS)
+
+# The golden command-line cases under valgrind memcheck.
+test-valgrind: build
+	bash tests/valgrind.sh $(BUILD_DIR)
 
 bench: build
 	bash bench/run.sh
