@@ -23,6 +23,13 @@ std::int32_t ReadEnd(std::string_view token, char openMark, bool& complete) {
   return ReadCount(token) - 1;
 }
 
+// A two-column coordinate moved by --shift_zero, worked out in 64 bits and held within the int
+// range: a line beyond the range still lies beyond any sequence, and never wraps round.
+std::int32_t Shifted(std::string_view token, std::int32_t shift) {
+  const std::int64_t value = std::int64_t{ReadCount(token)} + shift - 1;
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, INT32_MIN, INT32_MAX));
+}
+
 // Drops both coordinates of a record whose span cannot be read.
 GENE Unplaced(GENE gene) {
   gene.left = -1;
@@ -122,8 +129,8 @@ GENE GeneSet::ParsePair(std::string_view line) const {
   std::vector<std::string_view> tokens;
   SplitTokens(line, kSeparators, tokens);
   if (tokens.size() != 2) return gene;
-  gene.left = ReadCount(tokens[0]) + shift_zero - 1;
-  gene.right = ReadCount(tokens[1]) + shift_zero - 1;
+  gene.left = Shifted(tokens[0], shift_zero);
+  gene.right = Shifted(tokens[1], shift_zero);
   gene.valid = gene.left <= gene.right;
   return gene;
 }
