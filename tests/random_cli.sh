@@ -108,14 +108,14 @@ pick_kind() {
 
 # Builds args for one command from its template: most options present, most values well-formed.
 structured_args() {
-  local key=$1 spec item
-  read -r -a spec <<< "${templates[$key]}"
+  local key=$1 shape item
+  read -r -a shape <<< "${templates[$key]}"
   args=("$key")
-  if [ "${spec[0]}" != - ]; then
-    pick_kind "${spec[0]}"
+  if [ "${shape[0]}" != - ]; then
+    pick_kind "${shape[0]}"
     args+=("$value")
   fi
-  for item in "${spec[@]:1}"; do
+  for item in "${shape[@]:1}"; do
     [ $((RANDOM % 8)) = 0 ] && continue
     args+=("${item%%:*}")
     pick_kind "${item##*:}"
