@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <cstring>
-#include <vector>
 
 namespace genetrain {
 
@@ -61,17 +60,21 @@ bool FileBuf::ReadRegular(std::FILE* file, std::size_t size) {
   return std::ferror(file) == 0;
 }
 
-bool FileBuf::ReadStream(std::FILE* file) {
-  std::vector<char> content;
+bool FileBuf::ReadRest(std::FILE* file, std::string& text) {
   constexpr std::size_t kChunk = std::size_t{1} << 16;
   std::size_t count = kChunk;
   while (count == kChunk) {
-    const std::size_t used = content.size();
-    content.resize(used + kChunk);
-    count = std::fread(content.data() + used, 1, kChunk, file);
-    content.resize(used + count);
+    const std::size_t used = text.size();
+    text.resize(used + kChunk);
+    count = std::fread(text.data() + used, 1, kChunk, file);
+    text.resize(used + count);
   }
-  if (std::ferror(file) != 0) return false;
+  return std::ferror(file) == 0;
+}
+
+bool FileBuf::ReadStream(std::FILE* file) {
+  std::string content;
+  if (!ReadRest(file, content)) return false;
   data_.reset(new char[content.size() + 1]);
   std::memcpy(data_.get(), content.data(), content.size());
   size_ = content.size();

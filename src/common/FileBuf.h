@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace genetrain {
@@ -20,6 +21,9 @@ class FileBuf {
   const char* End() const { return data_.get() + size_; }
   std::size_t Size() const { return size_; }
   std::string_view View() const { return {data_.get(), size_}; }
+
+  // Appends what remains of an open stream to the text; false on a read error.
+  static bool ReadRest(std::FILE* file, std::string& text);
 
  private:
   bool Allocate(const char* name, std::size_t size);

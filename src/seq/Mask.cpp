@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "common/FileBuf.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "seq/SSeq.h"
@@ -26,17 +27,9 @@ struct Interval {
 bool ReadWhole(const std::string& name, std::string& text) {
   std::FILE* file = std::fopen(name.c_str(), "rb");
   if (file == nullptr) return false;
-  constexpr std::size_t kChunk = std::size_t{1} << 16;
-  std::size_t count = kChunk;
-  while (count == kChunk) {
-    const std::size_t used = text.size();
-    text.resize(used + kChunk);
-    count = std::fread(text.data() + used, 1, kChunk, file);
-    text.resize(used + count);
-  }
-  const bool failed = std::ferror(file) != 0;
+  const bool read = FileBuf::ReadRest(file, text);
   std::fclose(file);
-  return !failed;
+  return read;
 }
 
 // As C atoi reads the token (leading white space, a sign, digits), but a number beyond the int
