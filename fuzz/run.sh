@@ -24,7 +24,7 @@ fi
 CXX=clang++ cmake -S "$root/fuzz" -B "$build" >/dev/null
 cmake --build "$build" -j "$(nproc)"
 
-python3 "$root/fuzz/seed.py" "$root/tests/cli" "$build/corpus"
+bash "$root/fuzz/seed.sh" "$root/tests/cli" "$build/corpus"
 mkdir -p "$build/artifacts" "$build/logs"
 
 failed=0

@@ -10,7 +10,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-#include "motif/PositionMatrix.h"
 
 #include "common/Format.h"
 #include "common/Message.h"
@@ -180,7 +179,8 @@ bool Gibbs::BuildMatrix(std::uint32_t pseudocount) {
 // a header and with 1-based numbers.
 std::string Gibbs::MatrixText(bool model, std::uint32_t precision) const {
   std::string text;
-  text.reserve(32 + matrix.size() * (4 * (std::size_t{precision} + 8) + 12));
+  const std::size_t digits = std::min(precision, kMaxPrecision);
+  text.reserve(32 + matrix.size() * (4 * (digits + 8) + 12));
   if (model) {
     for (auto row = matrix.rbegin(); row != matrix.rend(); ++row)
       AppendMatrixRow(text, *row, precision);
@@ -199,7 +199,7 @@ std::string Gibbs::MatrixText(bool model, std::uint32_t precision) const {
 // distances before the gene start (-N+1 .. 0).
 std::string Gibbs::DurationText(bool model, std::uint32_t precision) const {
   std::string text;
-  text.reserve(duration.size() * (std::size_t{precision} + 24));
+  text.reserve(duration.size() * (std::min(precision, kMaxPrecision) + 24));
   if (model) {
     for (const double value : duration) {
       AppendFixedPoint(text, value, precision);
