@@ -1,0 +1,87 @@
+#!/usr/bin/env bash
+# Trains a gene finder model on the bundled E. coli K-12 MG1655 genome, end to end, and says in
+# a few lines what it made and where:
+#   sequence statistics (--stat), coding and non-coding training sequences (--parse), Markov
+#   chains (--mkchain), the model (--mkmod with examples/ecoli.par), upstream regions of the
+#   genes (--pre_start), a model with ribosome binding site sections from a fixed motif window
+#   (--mkmod --fixmotif) and the agreement of the gene set with itself (--compare).
+#
+#   demo.sh [BINARY [OUTPUT_FOLDER]]      (defaults: build/genetrain, build/demo)
+#
+# `make demo` builds the tool and runs this script. Every file it writes goes to OUTPUT_FOLDER,
+# which is emptied of the demo's own files first; the tools' messages go to OUTPUT_FOLDER/log.txt.
+set -euo pipefail
+
+examples=$(cd "$(dirname "$0")" && pwd)
+bin=$(realpath "${1:-build/genetrain}")
+out=${2:-build/demo}
+[ -x "$bin" ] || { echo "demo: no executable $bin (run make first)" >&2; exit 1; }
+mkdir -p "$out"
+out=$(realpath "$out")
+cd "$out"
+rm -f genome.fa genes.txt stat.txt cod.txt non.txt chain_cod.txt chain_non.txt ecoli.mod \
+  upstream.fa ecoli_rbs.mod motif.log compare.txt log.txt
+par=$examples/ecoli.par
+start=$(date +%s.%N)
+
+# Inputs: genetrain reads the gzip-compressed files itself; for a build that does not (a probe
+# tells) they are unpacked here first. unpack=1 always unpacks, unpack=0 never does.
+unpack=auto
+if [ "$unpack" = auto ]; then
+  printf '>probe\nACGT\n' | gzip > probe.fa.gz
+  size=$("$bin" --stat "" --seq probe.fa.gz 2> /dev/null | awk '$1 == "SEQUENCE_SIZE" { print $2 }')
+  if [ "$size" = 4 ]; then unpack=0; else unpack=1; fi
+  rm -f probe.fa.gz
+fi
+if [ "$unpack" = 1 ]; then
+  gzip -dc "$examples/ecoli_mg1655.fasta.gz" > genome.fa
+  gzip -dc "$examples/ecoli_mg1655.genes.gz" > genes.txt
+  seq=genome.fa genes=genes.txt
+else
+  seq=$examples/ecoli_mg1655.fasta.gz genes=$examples/ecoli_mg1655.genes.gz
+fi
+
+# Runs one command; its messages go to log.txt, a failure stops the demo with them.
+run() {
+  echo "\$ genetrain $*" >> log.txt
+  if ! "$bin" "$@" >> log.txt 2>&1; then
+    echo "demo: genetrain $1 failed; the end of $out/log.txt:" >&2
+    tail -5 log.txt >&2
+    exit 1
+  fi
+}
+# The value of a model section that stands on its label's line.
+value() { awk -v key="$1" '$1 == key { print $2; exit }' "$2"; }
+
+run --stat stat.txt --seq "$seq"
+run --parse --par "$par" --seq "$seq" --geneset "$genes" --cod cod.txt --non non.txt
+run --mkchain --par "$par" --seq "$seq" --geneset "$genes" --order 5 \
+  --chain_cod chain_cod.txt --chain_non chain_non.txt
+run --mkmod ecoli.mod --par "$par" --seq "$seq" --geneset "$genes"
+run --pre_start upstream.fa --par "$par" --seq "$seq" --geneset "$genes" \
+  --PRE_START_WIDTH 20 --PRE_START_RELATIVE_POS 0
+# A fixed motif window: the 20 bases before the start codon and the start codon itself. With
+# --fixmotif the --pre_start key only switches the motif on; its file is not written again.
+run --mkmod ecoli_rbs.mod --par "$par" --seq "$seq" --geneset "$genes" \
+  --pre_start upstream.fa --fixmotif 1 --PRE_START_WIDTH 20 --width 23 --log motif.log
+run --compare compare.txt --source "$genes" --target "$genes"
+
+end=$(date +%s.%N)
+genes_in=$(gzip -dcf "$genes" | grep -c . || true)
+coding=$(grep -vc '^>' cod.txt || true)
+noncoding=$(grep -c . non.txt || true)
+regions=$(grep -c '^>' upstream.fa || true)
+elapsed=$(awk -v s="$start" -v e="$end" 'BEGIN { printf "%.1f", e - s }')
+echo "Trained on E. coli K-12 MG1655 in $elapsed s; the files are in $out:"
+echo "  stat.txt         $(value SEQUENCE_SIZE stat.txt) bases, GC $(value GC stat.txt)%"
+echo "  cod.txt non.txt  $coding of $genes_in genes as coding training sequences," \
+  "$noncoding non-coding stretches"
+echo "  chain_*.txt      Markov chains of order 5 (coding: $(grep -c ' ' chain_cod.txt) rows of" \
+  "three frames)"
+echo "  ecoli.mod        the model: start codons ATG $(value ATG_ ecoli.mod)," \
+  "GTG $(value GTG_ ecoli.mod), TTG $(value TTG_ ecoli.mod)"
+echo "  upstream.fa      $regions upstream regions of 20 bases, input for a motif finder"
+echo "  ecoli_rbs.mod    the model with RBS sections of a fixed 23-base window (motif.log)"
+echo "  compare.txt      the gene set against itself: $(tr '\t' ' ' < compare.txt)" \
+  "(both ends, stop end)"
+echo "The commands and their messages: log.txt"

@@ -1,0 +1,136 @@
+#!/usr/bin/env bash
+# Test of the batch training workflow (workflow/Snakefile), `make test-workflow`:
+#   run.sh BINARY
+# Makes two small genomes from the bundled E. coli genome (two slices of 700 kb with the genes
+# that lie wholly inside them, renumbered; one as plain files, one gzip-compressed) and a FASTA
+# file without gene set, runs the workflow on them with --cores 2, and checks the models and the
+# summary table. Then runs it once more through Snakemake's cluster executor, with a stand-in
+# for the batch system's submit command, and checks that the results are the same.
+# Needs Snakemake 7 (Debian package snakemake), installed here when missing and run as root.
+# PROFILES="slurm" (or "") limits the cluster runs; KEEP_WORKFLOW_TEST=1 keeps the scratch folder,
+# which is also kept after a failure.
+set -euo pipefail
+repo=$(cd "$(dirname "$0")/../.." && pwd)
+bin=$(realpath "${1:-$repo/build/genetrain}")
+[ -x "$bin" ] || { echo "FAIL: no executable $bin" >&2; exit 1; }
+
+if ! command -v snakemake > /dev/null; then
+  if [ "$(id -u)" -eq 0 ] && command -v apt-get > /dev/null; then
+    echo "installing snakemake"
+    apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends snakemake > /dev/null
+  else
+    echo "test-workflow needs Snakemake 7: sudo apt-get install snakemake" >&2
+    exit 1
+  fi
+fi
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/genetrain-workflow.XXXXXX")
+keep=${KEEP_WORKFLOW_TEST:-0}
+cleanup() { if [ "$keep" = 1 ]; then echo "files kept in $work" >&2; else rm -rf "$work"; fi; }
+trap cleanup EXIT
+fail() {
+  echo "FAIL: $*" >&2
+  keep=1
+  exit 1
+}
+cd "$work"
+
+# Two slices of the genome, 1-based first base and length, with their genes moved along.
+mkdir genomes
+gzip -dc "$repo/examples/ecoli_mg1655.fasta.gz" | tail -n +2 | tr -d '\n\r' > whole.txt
+slice() { # name first length
+  {
+    echo ">$1 E. coli K-12 MG1655 bases $2 to $(($2 + $3 - 1))"
+    cut -c "$2-$(($2 + $3 - 1))" whole.txt | fold -w 80
+  } > "genomes/$1.fasta"
+  gzip -dc "$repo/examples/ecoli_mg1655.genes.gz" | awk -v name="$1" -v off="$(($2 - 1))" \
+    -v len="$3" 'BEGIN { OFS = "\t" }
+    { l = $3; r = $4; lp = ""; rp = ""
+      if (l ~ /^</) { lp = "<"; l = substr(l, 2) }
+      if (r ~ /^>/) { rp = ">"; r = substr(r, 2) }
+      if (l - off >= 1 && r - off <= len) print name "_" ++n, $2, lp (l - off), rp (r - off), $5, $6 }' \
+    > "genomes/$1.genes"
+}
+slice slice_a 1 700000
+slice slice_b 2000001 700000
+gzip genomes/slice_b.fasta genomes/slice_b.genes
+head -c 2000 genomes/slice_a.fasta > genomes/lonely.fasta
+rm whole.txt
+
+cat > config.yaml << EOF
+genomes: $work/genomes
+par: $repo/examples/ecoli.par
+genetrain: $bin
+results: $work/local
+EOF
+
+start=$(date +%s)
+timeout -k 10 600 snakemake -s "$repo/workflow/Snakefile" --directory "$work" \
+  --configfile config.yaml --cores 2 > local.log 2>&1 || { tail -30 local.log >&2; fail "the workflow failed (local.log)"; }
+grep -q "lonely.fasta has no partner" local.log || fail "no message about lonely.fasta"
+
+# Models: every section in its order, the genome's name, chains of order 5.
+sections="PHMM NAME ORDM ATG_ GTG_ TTG_ CTG_ TAA_ TAG_ TGA_ MINC MAXC MAXN NDEC CDEC CDCD CD1P CD2P COD1 COD2 NONC RBSS RBSM RBSL RBSD"
+for genome in slice_a slice_b; do
+  model=local/models/$genome.mod
+  [ -s "$model" ] || fail "no model $model"
+  found=$(awk '$1 ~ /^[A-Z][A-Z0-9][A-Z0-9][A-Z0-9_]$/ { printf "%s%s", sep, $1; sep = " " }' "$model")
+  [ "$found" = "$sections" ] || fail "$model sections: $found"
+  [ "$(awk '$1 == "NAME" { print $2 }' "$model")" = "$genome" ] || fail "$model NAME"
+  rows=$(awk '$1 == "COD1" { on = 1; next } on && NF != 3 { exit } on { n++ } END { print n + 0 }' "$model")
+  [ "$rows" -eq 4096 ] || fail "$model COD1 has $rows rows of three numbers"
+  [ -s "local/$genome/upstream.fa" ] || fail "no upstream regions of $genome"
+done
+
+# Summary: a header and one row per genome, in name order.
+summary=local/summary.tsv
+[ -s "$summary" ] || fail "no $summary"
+header=$(head -1 "$summary")
+[ "$header" = "$(printf 'genome\tbases\tgc\tgenes\tgenes_used\tatg\tgtg\tttg\tctg')" ] ||
+  fail "summary header: $header"
+[ "$(wc -l < "$summary")" -eq 3 ] || fail "summary has $(wc -l < "$summary") lines"
+[ "$(cut -f1 "$summary" | tail -n +2 | tr '\n' ' ')" = "slice_a slice_b " ] ||
+  fail "summary genomes: $(cut -f1 "$summary" | tr '\n' ' ')"
+while IFS=$'\t' read -r genome bases gc genes used atg gtg ttg ctg; do
+  file=genomes/$genome.fasta
+  [ -e "$file" ] || file=$file.gz
+  [ "$bases" -eq 700000 ] || fail "$genome: $bases bases"
+  expected_gc=$(gzip -dcf "$file" > plain.fa && "$bin" --gc "" --seq plain.fa --GC_PRECISION 2 --GC_LABEL "")
+  [ "$gc" = "$expected_gc" ] || fail "$genome: GC $gc, --gc says $expected_gc"
+  expected_genes=$(gzip -dcf "genomes/$genome.genes"* | wc -l)
+  [ "$genes" -eq "$expected_genes" ] || fail "$genome: $genes genes, the set has $expected_genes"
+  if [ "$used" -le $((genes / 2)) ] || [ "$used" -gt "$genes" ]; then
+    fail "$genome: $used of $genes genes used"
+  fi
+  awk -v a="$atg" -v g="$gtg" -v t="$ttg" -v c="$ctg" \
+    'BEGIN { s = a + g + t + c; exit !(s > 0.9975 && s < 1.0025 && a > 0.8 && g > t && c == 0) }' ||
+    fail "$genome: start codon fractions $atg $gtg $ttg $ctg"
+  echo "  $genome: $bases bases, GC $gc, $used of $genes genes used, ATG $atg GTG $gtg TTG $ttg"
+done < <(tail -n +2 "$summary")
+local_time=$(($(date +%s) - start))
+times=""
+
+# The same on a SLURM cluster, through the two profiles of workflow/profiles: stand-ins for
+# sbatch, sacct, srun and the rest (tests/workflow/fake-slurm) run every batch job in the
+# background on this machine. The profiles are used as they stand (CI=true only makes
+# Snakemake's generic cluster executor look at its jobs every second instead of every ten).
+export PATH=$repo/tests/workflow/fake-slurm:$PATH FAKE_SLURM_STATE=$work/slurm-state
+export USER=${USER:-$(id -un)}
+for profile in ${PROFILES:-slurm sbatch}; do
+  start=$(date +%s)
+  CI=true timeout -k 10 600 snakemake -s "$repo/workflow/Snakefile" --directory "$work" --configfile config.yaml \
+    --config results="$work/$profile" --profile "$repo/workflow/profiles/$profile" \
+    --latency-wait 5 > "$profile.log" 2>&1 ||
+    { tail -30 "$profile.log" >&2; fail "the workflow failed with the $profile profile ($profile.log)"; }
+  [ "$(find "$FAKE_SLURM_STATE" -name '[0-9]*' | wc -l)" -ge 10 ] || fail "$profile: no batch job was submitted"
+  grep -L COMPLETED "$FAKE_SLURM_STATE"/[0-9]* | grep -q . && fail "$profile: a batch job failed"
+  rm -rf "$FAKE_SLURM_STATE"
+  cmp -s local/summary.tsv "$profile/summary.tsv" || fail "$profile: the summaries differ"
+  for genome in slice_a slice_b; do
+    cmp -s "local/models/$genome.mod" "$profile/models/$genome.mod" ||
+      fail "$profile: the models of $genome differ"
+  done
+  times="$times, $profile profile $(($(date +%s) - start)) s"
+done
+echo "workflow: 2 models and the summary (local ${local_time} s$times): as expected"
