@@ -5,6 +5,7 @@ missing=()
 command -v cmake >/dev/null || missing+=(cmake)
 command -v g++ >/dev/null || missing+=(g++)
 [ -e /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
+[ -e /usr/include/zlib.h ] || missing+=(zlib1g-dev)
 [ ${#missing[@]} -eq 0 ] && exit 0
 if [ "$(id -u)" -ne 0 ]; then
   echo "missing: ${missing[*]}; install them with: sudo apt-get install ${missing[*]}" >&2

@@ -1,8 +1,9 @@
 #include "common/FileBuf.h"
 
-#include <sys/stat.h>
-
+#include <algorithm>
 #include <cstring>
+
+#include "common/InputStream.h"
 
 namespace genetrain {
 
@@ -13,31 +14,20 @@ void FileBuf::Clear() {
 
 bool FileBuf::Load(const char* name) {
   Clear();
-  if (name == nullptr || *name == '\0') {
-    std::fputs("error: file name is missing\n", stderr);
-    return false;
-  }
-  struct stat status;
-  if (::stat(name, &status) != 0) {
-    std::fprintf(stderr, "error: file <%s> is not found\n", name);
-    return false;
-  }
+  InputStream input;
+  if (!input.Find(name)) return false;
   // Pipes, process substitutions and devices report no useful size: they are read to the end.
-  const bool regular = S_ISREG(status.st_mode);
-  const auto size = static_cast<std::size_t>(status.st_size);
+  const bool regular = input.Regular();
+  const auto size = static_cast<std::size_t>(input.FileSize());
   if (regular && !Allocate(name, size)) return false;
-
-  std::FILE* file = std::fopen(name, "rb");
-  if (file == nullptr) {
+  if (!input.Open()) {
     Clear();
-    std::fprintf(stderr, "error: on opening file <%s>\n", name);
     return false;
   }
-  const bool read = regular ? ReadRegular(file, size) : ReadStream(file);
-  std::fclose(file);
+  const bool read = regular ? ReadRegular(input, size) : ReadStream(input);
   if (!read) {
     Clear();
-    std::fprintf(stderr, "error: on reading file <%s>\n", name);
+    input.PrintReadError();
     return false;
   }
   return true;
@@ -54,27 +44,29 @@ bool FileBuf::Allocate(const char* name, std::size_t size) {
 }
 
 // One read request of the size the file system reports; a short read simply gives less content.
-bool FileBuf::ReadRegular(std::FILE* file, std::size_t size) {
-  size_ = std::fread(data_.get(), 1, size, file);
-  data_[size_] = '\0';
-  return std::ferror(file) == 0;
-}
-
-bool FileBuf::ReadRest(std::FILE* file, std::string& text) {
-  constexpr std::size_t kChunk = std::size_t{1} << 16;
-  std::size_t count = kChunk;
-  while (count == kChunk) {
-    const std::size_t used = text.size();
-    text.resize(used + kChunk);
-    count = std::fread(text.data() + used, 1, kChunk, file);
-    text.resize(used + count);
+// Compressed content outgrows that size: the block then doubles until the content fits.
+bool FileBuf::ReadRegular(InputStream& input, std::size_t size) {
+  size_ = input.Read({data_.get(), size});
+  std::size_t capacity = size;
+  while (input.Compressed() && size_ == capacity && !input.Failed()) {
+    capacity = std::max(capacity * 2, std::size_t{1} << 16);
+    std::unique_ptr<char[]> larger(new char[capacity + 1]);
+    std::memcpy(larger.get(), data_.get(), size_);
+    data_ = std::move(larger);
+    size_ += input.Read({data_.get() + size_, capacity - size_});
   }
-  return std::ferror(file) == 0;
+  data_[size_] = '\0';
+  return !input.Failed();
 }
 
-bool FileBuf::ReadStream(std::FILE* file) {
+bool FileBuf::ReadRest(std::FILE* file, std::string& text, const char* name) {
+  InputStream input(file, name);
+  return input.ReadRest(text);
+}
+
+bool FileBuf::ReadStream(InputStream& input) {
   std::string content;
-  if (!ReadRest(file, content)) return false;
+  if (!input.ReadRest(content)) return false;
   data_.reset(new char[content.size() + 1]);
   std::memcpy(data_.get(), content.data(), content.size());
   size_ = content.size();

@@ -9,12 +9,14 @@
 
 namespace genetrain {
 
+class InputStream;
+
 // A whole file in one block of memory, followed by a zero byte so that parsers may scan it as
 // one text. The content may hold zero bytes of its own: View() gives the exact range.
 class FileBuf {
  public:
-  // Loads the named file, replacing any earlier content. On failure prints its message on
-  // standard error, leaves the buffer empty and returns false.
+  // Loads the named file, replacing any earlier content; gzip content is decoded. On failure
+  // prints its message on standard error, leaves the buffer empty and returns false.
   bool Load(const char* name);
 
   const char* Data() const { return data_.get(); }  // null while nothing is loaded
@@ -22,13 +24,14 @@ class FileBuf {
   std::size_t Size() const { return size_; }
   std::string_view View() const { return {data_.get(), size_}; }
 
-  // Appends what remains of an open stream to the text; false on a read error.
-  static bool ReadRest(std::FILE* file, std::string& text);
+  // Appends what remains of an open stream to the text, decoding gzip content; false on a read
+  // error or bad gzip data. `name`, if given, is shown in the gzip messages.
+  static bool ReadRest(std::FILE* file, std::string& text, const char* name = nullptr);
 
  private:
   bool Allocate(const char* name, std::size_t size);
-  bool ReadRegular(std::FILE* file, std::size_t size);
-  bool ReadStream(std::FILE* file);
+  bool ReadRegular(InputStream& input, std::size_t size);
+  bool ReadStream(InputStream& input);
   void Clear();
 
   std::unique_ptr<char[]> data_;

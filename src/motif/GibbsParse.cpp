@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/FileBuf.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "motif/Gibbs.h"
@@ -18,15 +19,13 @@ namespace {
 constexpr std::size_t kMaxTokens = 10;
 using Tokens = std::array<std::string_view, kMaxTokens>;
 
-// The whole file; a file that cannot be opened or read (a folder, say) is reported.
+// The whole file, gzip content decoded; a file that cannot be opened or read (a folder, say)
+// is reported, after the gzip message if the data were bad.
 bool LoadText(const std::string& name, std::string& text) {
   std::FILE* file = std::fopen(name.c_str(), "rb");
   bool ok = file != nullptr;
   if (ok) {
-    char block[65536];
-    std::size_t got = 0;
-    while ((got = std::fread(block, 1, sizeof block, file)) > 0) text.append(block, got);
-    ok = std::ferror(file) == 0;
+    ok = FileBuf::ReadRest(file, text, name.c_str());
     std::fclose(file);
   }
   if (!ok) PrintError({"error: opening file ", name});

@@ -52,6 +52,15 @@ class SSeq : public Report {
   // Statistics (--stat, --gc).
   bool Stat(Param& param);
   bool Gc(Param& param);
+  // What they count of a FASTA file: the letters of all records, the records, and the label of
+  // the first record while it is the only one. The file is read in blocks of the given size;
+  // false after a loading message.
+  struct FileCounts {
+    Tally letters;
+    std::uint64_t records = 0;
+    std::string firstLabel;
+  };
+  static bool CountFile(const std::string& name, std::size_t blockSize, FileCounts& counts);
 
   // Cleaning, joining and masking (--clean_join, --clean, --mask).
   bool CleanJoin(Param& param);

@@ -1,9 +1,8 @@
 #include <string>
 #include <string_view>
 
-#include "common/FileBuf.h"
 #include "common/Format.h"
-#include "seq/FastaScanner.h"
+#include "seq/FastaBlocks.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
@@ -11,26 +10,6 @@ namespace genetrain {
 namespace {
 
 constexpr std::string_view kDefaultGcLabel = "GC% = ";
-
-// The letters of a whole FASTA file in the single-case view, with its number of records and the
-// label of its first record. Nothing is copied: the label points into the loaded text.
-struct FileCounts {
-  SSeq::Tally letters;
-  std::uint64_t records = 0;
-  std::string_view firstLabel;
-};
-
-FileCounts CountFile(std::string_view text) {
-  FileCounts counts;
-  FastaScanner scanner(text);
-  FastaSpan span;
-  while (scanner.Next(span)) {
-    if (counts.records == 0) counts.firstLabel = span.label;
-    ++counts.records;
-    counts.letters.Add(SSeq::TallyLetters(span.body));
-  }
-  return counts;
-}
 
 void AppendRow(std::string& text, std::string_view caption, std::string_view value) {
   text.append(caption).append(value).push_back('\n');
@@ -41,7 +20,8 @@ void AppendRow(std::string& text, std::string_view caption, std::uint64_t value)
 }
 
 // Ten rows behind 15-character captions; scripts read them by position.
-std::string StatTable(std::string_view label, const FileCounts& counts, std::uint32_t precision) {
+std::string StatTable(std::string_view label, const SSeq::FileCounts& counts,
+                      std::uint32_t precision) {
   const SSeq::Tally& tally = counts.letters;
   std::string text;
   text.reserve(256 + label.size());
@@ -58,15 +38,38 @@ std::string StatTable(std::string_view label, const FileCounts& counts, std::uin
   return text;
 }
 
+// Counts what the records of the file hold, all together; keeps the first label only while it
+// is the only one.
+class CountingSink {
+ public:
+  explicit CountingSink(SSeq::FileCounts& counts) : counts_(counts) {}
+  void Begin() {
+    if (++counts_.records == 2) std::string().swap(counts_.firstLabel);
+  }
+  void Label(std::string_view piece) {
+    if (counts_.records == 1) counts_.firstLabel.append(piece);
+  }
+  void Body(std::string_view piece) { counts_.letters.Add(SSeq::TallyLetters(piece)); }
+  void End() {}
+
+ private:
+  SSeq::FileCounts& counts_;
+};
+
 }  // namespace
+
+bool SSeq::CountFile(const std::string& name, std::size_t blockSize, FileCounts& counts) {
+  counts = {};
+  CountingSink sink(counts);
+  return ReadFastaBlocks(name, blockSize, sink);
+}
 
 bool SSeq::Stat(Param& param) {
   std::string name;
   std::uint32_t precision = 1;
   if (!param.GetWord(name, "--seq") || !param.GetOpt(precision, "--GC_PRECISION")) return false;
-  FileBuf file;
-  if (!file.Load(name.c_str())) return false;
-  const FileCounts counts = CountFile(file.View());
+  FileCounts counts;
+  if (!CountFile(name, kFastaBlockSize, counts)) return false;
   // A one-record file is shown as file name, blank, header line.
   std::string label = name;
   if (counts.records == 1 && !counts.firstLabel.empty()) {
@@ -84,9 +87,9 @@ bool SSeq::Gc(Param& param) {
       !param.GetOpt(label, "--GC_LABEL")) {
     return false;
   }
-  FileBuf file;
-  if (!file.Load(name.c_str())) return false;
-  AppendFixed(label, GcPercent(CountFile(file.View()).letters), precision);
+  FileCounts counts;
+  if (!CountFile(name, kFastaBlockSize, counts)) return false;
+  AppendFixed(label, GcPercent(counts.letters), precision);
   Set("--gc", "", label);
   return Write(param.ValueOrEmpty("--gc"));
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <thread>
 
+#include "GzipSupport.h"
 #include "TestSupport.h"
 
 namespace genetrain {
@@ -88,6 +89,74 @@ TEST(FileBuf, PipeIsReadToItsEnd) {
   ASSERT_TRUE(loaded);
   EXPECT_EQ(buf.View(), content);
   EXPECT_EQ(*buf.End(), '\0');
+}
+
+// Compressed files load as their content: the block outgrows the size of the file.
+TEST(FileBuf, GzipContentIsDecoded) {
+  test::ScratchDir dir;
+  std::string content(1 << 20, 'A');
+  content.replace(1000, 4, std::string("\0\x1f\x8b\r", 4));
+  FileBuf buf;
+  ASSERT_TRUE(buf.Load(dir.Write("in.gz", test::Gzip(content) + test::Gzip(">b\n")).c_str()));
+  EXPECT_TRUE(buf.View() == content + ">b\n");
+  EXPECT_EQ(*buf.End(), '\0');
+  ASSERT_TRUE(buf.Load(dir.Write("empty.gz", test::Gzip("")).c_str()));
+  ASSERT_NE(buf.Data(), nullptr);
+  EXPECT_EQ(buf.Size(), 0u);
+  EXPECT_EQ(*buf.End(), '\0');
+  // The name says nothing: only the first bytes do.
+  ASSERT_TRUE(buf.Load(dir.Write("plain.gz", ">a\nACGT\n").c_str()));
+  EXPECT_EQ(buf.View(), ">a\nACGT\n");
+  ASSERT_TRUE(buf.Load(dir.Write("in.fa", test::Gzip(">a\nACGT\n")).c_str()));
+  EXPECT_EQ(buf.View(), ">a\nACGT\n");
+}
+
+// Bad data give the gzip message, then the loader's own, and an empty buffer.
+TEST(FileBuf, BadGzipFailsLikeAReadError) {
+  test::ScratchDir dir;
+  std::string corrupt = test::Gzip(std::string(5000, 'C'));
+  corrupt[10] = 7;
+  const std::pair<std::string, std::string> cases[] = {
+      {corrupt, "corrupt"}, {test::Gzip(">a\nACGT\n").substr(0, 20), "truncated"}};
+  FileBuf buf;
+  for (const auto& [stored, what] : cases) {
+    const std::string path = dir.Write("bad.gz", stored);
+    CaptureStderr();
+    EXPECT_FALSE(buf.Load(path.c_str()));
+    EXPECT_EQ(GetCapturedStderr(), "error: " + what + " gzip data in file <" + path +
+                                       ">\nerror: on reading file <" + path + ">\n");
+    EXPECT_EQ(buf.Data(), nullptr);
+    EXPECT_EQ(buf.Size(), 0u);
+  }
+}
+
+TEST(FileBuf, PipeWithGzipIsDecoded) {
+  test::ScratchDir dir;
+  const std::string fifo = dir.Path("fifo");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  const std::string content(300000, 'g');
+  std::thread writer([&] {
+    const std::string packed = test::Gzip(content);
+    std::FILE* out = std::fopen(fifo.c_str(), "wb");
+    std::fwrite(packed.data(), 1, packed.size(), out);
+    std::fclose(out);
+  });
+  FileBuf buf;
+  const bool loaded = buf.Load(fifo.c_str());
+  writer.join();
+  ASSERT_TRUE(loaded);
+  EXPECT_TRUE(buf.View() == content);
+}
+
+TEST(FileBuf, RestOfAStreamNamesTheFileIfGiven) {
+  test::ScratchDir dir;
+  const std::string path = dir.Write("cut.gz", test::Gzip("1 10\n").substr(0, 12));
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  std::string text;
+  CaptureStderr();
+  EXPECT_FALSE(FileBuf::ReadRest(file, text, path.c_str()));
+  EXPECT_EQ(GetCapturedStderr(), "error: truncated gzip data in file <" + path + ">\n");
+  std::fclose(file);
 }
 
 }  // namespace

@@ -1,0 +1,130 @@
+#include "common/GzipDecoder.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "GzipSupport.h"
+
+namespace genetrain {
+namespace {
+
+using Fault = GzipDecoder::Fault;
+using test::Gzip;
+
+struct Decoded {
+  std::string text;
+  Fault fault = Fault::kNone;
+};
+
+// Feeds the data in pieces of `inStep` bytes and takes the output in pieces of `outStep`.
+Decoded Decode(std::string_view packed, std::size_t inStep, std::size_t outStep) {
+  GzipDecoder decoder;
+  Decoded result;
+  std::string out(outStep, '\0');
+  for (std::size_t pos = 0; pos <= packed.size(); pos += inStep) {
+    std::string_view piece = packed.substr(pos, inStep);
+    std::size_t made = outStep;
+    while (made == outStep) {  // until the piece is used up and nothing more comes out
+      made = decoder.Decode(piece, out);
+      result.text.append(out, 0, made);
+    }
+    EXPECT_TRUE(piece.empty() || decoder.FaultAtEnd() == Fault::kCorrupt);
+  }
+  result.fault = decoder.FaultAtEnd();
+  return result;
+}
+
+Decoded Decode(std::string_view packed) {
+  return Decode(packed, packed.size() + 1, 1 << 16);
+}
+
+std::string RandomText(unsigned seed, std::size_t size) {
+  std::mt19937 random(seed);
+  std::string text(size, '\0');
+  for (char& byte : text) byte = "ACGTN\n>\0\x1f\x8b"[random() % 10];
+  return text;
+}
+
+TEST(GzipDecoder, TellsGzipByItsMagicBytes) {
+  EXPECT_TRUE(GzipDecoder::IsGzip("\x1f\x8b"));
+  EXPECT_TRUE(GzipDecoder::IsGzip(Gzip("ACGT")));
+  EXPECT_FALSE(GzipDecoder::IsGzip(""));
+  EXPECT_FALSE(GzipDecoder::IsGzip("\x1f"));
+  EXPECT_FALSE(GzipDecoder::IsGzip("\x1f\x8c"));
+  EXPECT_FALSE(GzipDecoder::IsGzip("\x8b\x1f"));
+  EXPECT_FALSE(GzipDecoder::IsGzip(">seq\nACGT\n"));
+}
+
+// However the data are cut into pieces, in and out, the same text comes out.
+TEST(GzipDecoder, PiecesOfAnySizeGiveTheSameText) {
+  for (const std::size_t size :
+       {std::size_t{0}, std::size_t{1}, std::size_t{3000}, std::size_t{300000}}) {
+    const std::string text = RandomText(static_cast<unsigned>(size), size);
+    for (const int level : {0, 1, 9}) {
+      const std::string packed = Gzip(text, level);
+      for (const std::size_t inStep : {std::size_t{1}, std::size_t{7}, packed.size()}) {
+        for (const std::size_t outStep : {std::size_t{1}, std::size_t{3}, std::size_t{1} << 16}) {
+          if (size > 3000 && inStep * outStep < 7) continue;  // slow and nothing new
+          const Decoded decoded = Decode(packed, inStep, outStep);
+          EXPECT_EQ(decoded.fault, Fault::kNone) << size << " " << inStep << " " << outStep;
+          EXPECT_TRUE(decoded.text == text) << size << " " << inStep << " " << outStep;
+        }
+      }
+    }
+  }
+}
+
+// Files joined with cat decode as the joined texts; empty members add nothing.
+TEST(GzipDecoder, JoinedMembersGiveTheJoinedTexts) {
+  const std::string a = ">a\nACGT\n", b = RandomText(2, 100000), c = ">c\nnnn";
+  const std::string joined = Gzip(a) + Gzip("") + Gzip(b, 1) + Gzip(c) + Gzip("");
+  EXPECT_EQ(Decode(joined).text, a + b + c);
+  EXPECT_EQ(Decode(joined).fault, Fault::kNone);
+  EXPECT_EQ(Decode(joined, 5, 11).text, a + b + c);
+  const Decoded empty = Decode(Gzip("") + Gzip(""));
+  EXPECT_EQ(empty.text, "");
+  EXPECT_EQ(empty.fault, Fault::kNone);
+}
+
+// Cut anywhere, from the header to the last byte of the trailer: truncated, and what came out
+// is the start of the text.
+TEST(GzipDecoder, CutDataIsTruncated) {
+  const std::string text = RandomText(3, 2000);
+  const std::string packed = Gzip(text);
+  for (std::size_t size = 2; size < packed.size(); ++size) {
+    const Decoded decoded = Decode(packed.substr(0, size));
+    EXPECT_EQ(decoded.fault, Fault::kTruncated) << size;
+    EXPECT_TRUE(text.starts_with(decoded.text)) << size;
+  }
+  // A cut second member as well.
+  EXPECT_EQ(Decode(Gzip(text) + packed.substr(0, 30)).fault, Fault::kTruncated);
+  EXPECT_EQ(Decode(Gzip(text) + "\x1f").fault, Fault::kTruncated);
+}
+
+TEST(GzipDecoder, DamagedDataIsCorrupt) {
+  const std::string text = RandomText(4, 5000);
+  const std::string packed = Gzip(text);
+  const auto damaged = [&packed](std::size_t pos, char byte) {
+    std::string copy = packed;
+    copy[pos] = byte;
+    return Decode(copy).fault;
+  };
+  EXPECT_EQ(damaged(2, 7), Fault::kCorrupt);        // unknown compression method
+  EXPECT_EQ(damaged(3, '\xe0'), Fault::kCorrupt);   // reserved flag bits
+  EXPECT_EQ(damaged(10, '\x07'), Fault::kCorrupt);  // reserved block type
+  const std::size_t trailer = packed.size() - 8;
+  EXPECT_EQ(damaged(trailer, static_cast<char>(packed[trailer] ^ 1)), Fault::kCorrupt);  // CRC
+  EXPECT_EQ(damaged(packed.size() - 1, '\x7f'), Fault::kCorrupt);                        // length
+  // Whatever follows a member must be a member: no trailing text, not even zero bytes.
+  EXPECT_EQ(Decode(packed + "\n").fault, Fault::kCorrupt);
+  EXPECT_EQ(Decode(packed + std::string(512, '\0')).fault, Fault::kCorrupt);
+  EXPECT_EQ(Decode(packed + ">plain\nACGT\n", 3, 5).fault, Fault::kCorrupt);
+  const Decoded joined = Decode(packed + "\x1f\x8b plain text");
+  EXPECT_EQ(joined.fault, Fault::kCorrupt);
+  EXPECT_EQ(joined.text, text);
+}
+
+}  // namespace
+}  // namespace genetrain

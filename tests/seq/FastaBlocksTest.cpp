@@ -1,0 +1,212 @@
+#include "seq/FastaBlocks.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "TestSupport.h"
+#include "common/GzipSupport.h"
+#include "seq/FastaScanner.h"
+#include "seq/RecordRuns.h"
+#include "seq/SSeq.h"
+
+namespace genetrain {
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+// FASTA texts with what real files hold and what they should not: CRLF, empty records, lower
+// case, U, N runs, zero bytes, bytes above 127, ">" inside lines and labels, text before the
+// first header, white space only, no line end at the end.
+std::string RandomFasta(unsigned seed) {
+  static const std::string kPieces[] = {"ACGT",
+                                        "acgtu",
+                                        "NNNNNNN",
+                                        "n",
+                                        "N",
+                                        "\n",
+                                        "\r\n",
+                                        "\n>",
+                                        ">rec one\n",
+                                        ">r2\r\n",
+                                        ">\n",
+                                        "  ",
+                                        "\t",
+                                        std::string("\0", 1),
+                                        "\xc3\xa9",
+                                        "RYKM",
+                                        "x>y",
+                                        "123 ",
+                                        "GGGCCC",
+                                        std::string(300, 'A'),
+                                        std::string(250, 'N')};
+  std::mt19937 random(seed);
+  std::string text;
+  if (random() % 3 == 0) text += " \r\n\t";  // white space before everything
+  const std::size_t pieces = random() % 60;
+  for (std::size_t i = 0; i < pieces; ++i) text += kPieces[random() % std::size(kPieces)];
+  return text;
+}
+
+std::vector<std::string> Texts() {
+  std::vector<std::string> texts = {"",
+                                    " ",
+                                    "\n\r\n",
+                                    ">",
+                                    ">a",
+                                    "A",
+                                    ">a\n",
+                                    "\n>a\nAC\n>",
+                                    "NN\n>b\nNN>c\nN",
+                                    "ACGT\r\n>x>y\r\nNNNNA\r\n"};
+  for (unsigned seed = 1; seed <= 60; ++seed) texts.push_back(RandomFasta(seed));
+  return texts;
+}
+
+constexpr std::size_t kSmallBlocks[] = {1, 2, 3, 7, 64};
+
+// Records as one scan of the whole text finds them: label, then the raw body.
+struct RecordSink {
+  std::vector<std::pair<std::string, std::string>> records;
+  bool open = false;
+  void Begin() {
+    EXPECT_FALSE(open);
+    open = true;
+    records.emplace_back();
+  }
+  void Label(std::string_view piece) {
+    EXPECT_TRUE(records.back().second.empty());
+    records.back().first.append(piece);
+  }
+  void Body(std::string_view piece) { records.back().second.append(piece); }
+  void End() {
+    EXPECT_TRUE(open);
+    open = false;
+  }
+};
+
+std::vector<std::pair<std::string, std::string>> ScanWhole(std::string_view text) {
+  std::vector<std::pair<std::string, std::string>> records;
+  FastaScanner scanner(text);
+  FastaSpan span;
+  while (scanner.Next(span)) {
+    std::string_view body = span.body;
+    if (!span.label.empty() && !body.empty()) body.remove_prefix(1);  // the label's line feed
+    records.emplace_back(span.label, body);
+  }
+  return records;
+}
+
+TEST(FastaSplitter, BlockBoundariesChangeNothing) {
+  for (const std::string& text : Texts()) {
+    for (const std::size_t blockSize : kSmallBlocks) {
+      FastaSplitter splitter;
+      RecordSink sink;
+      for (std::size_t pos = 0; pos < text.size(); pos += blockSize) {
+        splitter.Feed(std::string_view(text).substr(pos, blockSize), sink);
+      }
+      splitter.Finish(sink);
+      EXPECT_FALSE(sink.open);
+      EXPECT_EQ(sink.records, ScanWhole(text)) << "blocks of " << blockSize << ": " << text;
+    }
+  }
+}
+
+void ExpectSameCounts(const SSeq::FileCounts& got, const SSeq::FileCounts& expected,
+                      const std::string& context) {
+  EXPECT_EQ(got.records, expected.records) << context;
+  EXPECT_EQ(got.firstLabel, expected.firstLabel) << context;
+  EXPECT_EQ(got.letters.a, expected.letters.a) << context;
+  EXPECT_EQ(got.letters.c, expected.letters.c) << context;
+  EXPECT_EQ(got.letters.g, expected.letters.g) << context;
+  EXPECT_EQ(got.letters.t, expected.letters.t) << context;
+  EXPECT_EQ(got.letters.n, expected.letters.n) << context;
+}
+
+// --stat and --gc: counts over the whole text, the label only of a lone first record.
+TEST(FastaBlocks, FileCountsAreThoseOfTheWholeText) {
+  test::ScratchDir dir;
+  for (const std::string& text : Texts()) {
+    SSeq::FileCounts expected;
+    for (const auto& [label, body] : ScanWhole(text)) {
+      if (++expected.records == 1) expected.firstLabel = label;
+      expected.letters.Add(SSeq::TallyLetters(body));
+    }
+    if (expected.records > 1) expected.firstLabel.clear();
+    const std::string plain = dir.Write("in.fa", text);
+    const std::string packed = dir.Write("in.fa.gz", test::Gzip(text));
+    for (const std::size_t blockSize : kSmallBlocks) {
+      for (const std::string& path : {plain, packed}) {
+        SSeq::FileCounts counts;
+        ASSERT_TRUE(SSeq::CountFile(path, blockSize, counts));
+        ExpectSameCounts(counts, expected, path + ", blocks of " + std::to_string(blockSize));
+      }
+    }
+  }
+}
+
+struct Written {
+  bool ok = false;
+  std::string out;
+  std::string err;
+};
+
+template <typename Write>
+Written Capture(Write&& write) {
+  Written run;
+  CaptureStdout();
+  CaptureStderr();
+  run.ok = write();
+  run.out = GetCapturedStdout();
+  run.err = GetCapturedStderr();
+  return run;
+}
+
+// The record utilities write the same bytes whatever the blocks, also while flushing their
+// output in pieces as small as a block.
+TEST(FastaBlocks, RecordUtilitiesAgreeForEveryBlockSize) {
+  test::ScratchDir dir;
+  for (const std::string& text : Texts()) {
+    const std::string plain = dir.Write("in.fa", text);
+    const std::string packed = dir.Write("in.fa.gz", test::Gzip(text));
+    const auto all = [&](const std::string& path, std::size_t blockSize) {
+      return Capture([&] { return WriteRecordStats(path, blockSize); }).out + "|" +
+             Capture([&] { return WriteNRunLengths(path, blockSize); }).out + "|" +
+             Capture([&] { return WriteStretches(path, 3, blockSize); }).out + "|" +
+             Capture([&] { return WriteStretches(path, 0, blockSize); }).out;
+    };
+    const std::string whole = all(plain, text.size() + 1);
+    for (const std::size_t blockSize : kSmallBlocks) {
+      EXPECT_EQ(all(plain, blockSize), whole) << "blocks of " << blockSize << ": " << text;
+      EXPECT_EQ(all(packed, blockSize), whole) << "gzip, blocks of " << blockSize;
+    }
+  }
+}
+
+// A bad file fails with the loader's messages; output held back is not written.
+TEST(FastaBlocks, BadGzipFailsWithoutOutput) {
+  test::ScratchDir dir;
+  const std::string path =
+      dir.Write("in.fa.gz", test::Gzip(">a\nACGTNNNA\n>b\nNA\n").substr(0, 25));
+  const std::string messages =
+      "error: truncated gzip data in file <" + path + ">\nerror: on reading file <" + path + ">\n";
+  for (const auto& run : {Capture([&] { return WriteRecordStats(path, kFastaBlockSize); }),
+                          Capture([&] { return WriteNRunLengths(path, kFastaBlockSize); }),
+                          Capture([&] { return WriteStretches(path, 0, kFastaBlockSize); })}) {
+    EXPECT_FALSE(run.ok);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, messages);
+  }
+  SSeq::FileCounts counts;
+  CaptureStderr();
+  EXPECT_FALSE(SSeq::CountFile(path, 2, counts));
+  EXPECT_EQ(GetCapturedStderr(), messages);
+}
+
+}  // namespace
+}  // namespace genetrain
