@@ -77,6 +77,11 @@ seed_case() {
     if [ "$(tr -d ' \t\n\r\v\f' < "$file" | head -c 1)" = ">" ]; then
       cp "$file" "$staging" && put fasta_file
       cp "$file" "$staging" && put fasta_scanner
+      # Byte 0 picks a block of 8 bytes.
+      { printf '\7'; cat "$file"; } > "$staging" && put fasta_blocks
+    fi
+    if [ "$(head -c 2 "$file" | od -An -tx1 | tr -d ' \n')" = 1f8b ]; then
+      { printf '\7'; cat "$file"; } > "$staging" && put gzip_input
     fi
     if grep -q -a -e PHMM -e NONC "$file"; then
       cp "$file" "$staging" && put model_file
