@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "common/Message.h"
 #include "genes/GeneSet.h"
@@ -157,7 +158,12 @@ bool RunOrf(ORF& orf, Param& param) {
   if (!orf.ReadCodons(param)) return false;
   VSeq seq;
   if (!seq.LoadForGenes(param)) return false;
-  orf.BuildCodonArray(seq.sequence);
+  // Without --ORF_OUT the list shows positions only, and the bases may make way for the codons.
+  if (param.Find("--ORF_OUT") == nullptr) {
+    orf.BuildCodonArray(std::move(seq.sequence));
+  } else {
+    orf.BuildCodonArray(seq.sequence);
+  }
   std::string counts = "# Starts ";
   counts.append(std::to_string(orf.StartCount())).append("\n# Stops ");
   counts.append(std::to_string(orf.StopCount())).push_back('\n');

@@ -29,6 +29,9 @@ class ORF {
   // Codon index ending at every position (kNoCodon where there is none); counts every value
   // from position 2 on in codon_usage, which starts again from zero.
   void BuildCodonArray(const CodeSeq& codes);
+  // The same from codes that are not needed any more: the array is built in their place, so
+  // that no second array of the sequence's size is made.
+  void BuildCodonArray(CodeSeq&& codes);
   // Append the ORFs of the codon array holding at least `min` bases between start and stop:
   // direct ones by stop end ascending, reverse ones by stop end descending. One pass each.
   void SearchDirect(std::uint32_t min);
@@ -51,6 +54,10 @@ class ORF {
   std::array<bool, 65> starts_reverse{};
   std::array<bool, 65> stops_direct{};
   std::array<bool, 65> stops_reverse{};
+
+ private:
+  // Fills codon_usage from codon_array.
+  void CountCodons();
 };
 
 // --orf: codon counts on standard output, the ORF list to the file named by --orf.

@@ -52,17 +52,49 @@ bool ORF::ReadCodons(Param& param) {
   return true;
 }
 
+namespace {
+
+// out[i] = the codon of bases[i], bases[i + 1], bases[i + 2], for `count` codons: a simple loop
+// that runs on whole vectors of bases.
+void Codons(const std::uint8_t* bases, std::size_t count, std::uint8_t* out) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const unsigned b1 = bases[i], b2 = bases[i + 1], b3 = bases[i + 2];
+    out[i] = static_cast<std::uint8_t>((b1 | b2 | b3) < 4 ? 16 * b1 + 4 * b2 + b3 : ORF::kNoCodon);
+  }
+}
+
+}  // namespace
+
+// Codons and their tally in two loops rather than one: the codons are made on whole vectors,
+// and the four interleaved tallies of CountCodons do not wait on each other.
 void ORF::BuildCodonArray(const CodeSeq& codes) {
   const std::size_t n = codes.size();
   codon_array.assign(n, kNoCodon);
-  // Two simple loops rather than one: the first runs on whole vectors of bases, and the four
-  // interleaved tallies of the second do not wait on each other.
-  const std::uint8_t* base = codes.data();
+  if (n > 2) Codons(codes.data(), n - 2, codon_array.data() + 2);
+  CountCodons();
+}
+
+// Block by block from the end: a block's bases, and the two before it, are set aside before its
+// codons overwrite them; the blocks below are still untouched.
+void ORF::BuildCodonArray(CodeSeq&& codes) {
+  codon_array.swap(codes);
+  CodeSeq().swap(codes);
+  constexpr std::size_t kBlock = 256;
+  std::array<std::uint8_t, kBlock + 2> bases;
   std::uint8_t* codon = codon_array.data();
-  for (std::size_t i = 2; i < n; ++i) {
-    const unsigned b1 = base[i - 2], b2 = base[i - 1], b3 = base[i];
-    codon[i] = static_cast<std::uint8_t>((b1 | b2 | b3) < 4 ? 16 * b1 + 4 * b2 + b3 : kNoCodon);
+  for (std::size_t end = codon_array.size(); end > 2;) {
+    const std::size_t start = end > kBlock + 2 ? end - kBlock : 2;
+    std::memcpy(bases.data(), codon + start - 2, end - start + 2);
+    Codons(bases.data(), end - start, codon + start);
+    end = start;
   }
+  std::fill_n(codon, std::min<std::size_t>(codon_array.size(), 2), kNoCodon);
+  CountCodons();
+}
+
+void ORF::CountCodons() {
+  const std::size_t n = codon_array.size();
+  const std::uint8_t* codon = codon_array.data();
   std::array<std::array<std::uint64_t, 65>, 4> tally{};
   std::size_t i = 2;
   for (; i + 4 <= n; i += 4) {

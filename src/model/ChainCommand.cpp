@@ -49,25 +49,28 @@ bool CheckChainOptions(Param& param, int& order) {
   return true;
 }
 
-// The file is opened (and emptied) before the texts are made, so a chain that cannot be printed
-// leaves it empty. With a second chain both come with their labels. A file that cannot be
-// opened is not reported.
+// The file is opened (and emptied) before the chains are printed, so a chain that cannot be
+// printed leaves it empty. With a second chain both come with their labels. A file that cannot
+// be opened is not reported. The rows go out as they are made: the text is never held whole.
 void WriteChainFile(const std::string& name, const MkChain& first, const MkChain* second) {
   std::FILE* file = std::fopen(name.c_str(), "wb");
-  const std::string firstText = first.ToText();
-  const std::string secondText = second != nullptr ? second->ToText() : std::string();
+  first.CheckPrecision();
+  if (second != nullptr) second->CheckPrecision();
   if (file == nullptr) return;
   if (second != nullptr) WriteAll(file, "COD1\n");
-  WriteAll(file, firstText);
+  first.WriteText(file);
   if (second != nullptr) {
     WriteAll(file, "COD2\n");
-    WriteAll(file, secondText);
+    second->WriteText(file);
   }
   std::fclose(file);
 }
 
 }  // namespace
 
+// One chain's tables at a time: the coding file is written before the non-coding chain is
+// estimated (at order 12 a coding chain holds 1.6 GB of tables, the non-coding one 0.5 GB). A
+// non-coding set that cannot train its chain still ends the command before any file is written.
 bool RunMkchain(Genome& genome, Param& param) {
   int order = 0;
   if (!CheckChainOptions(param, order)) return false;
@@ -78,15 +81,18 @@ bool RunMkchain(Genome& genome, Param& param) {
   genome.ExtractCoding(seq, set, 0, 0);
   genome.ExtractNonCoding(seq, set);
 
-  MkChain coding1(order, 3, param);
-  MkChain coding2(order, 3, param);
+  MkChain coding1(order, 3, param, MkChain::Deferred{});
+  MkChain coding2(order, 3, param, MkChain::Deferred{});
   coding1.Estimate(genome.cod1);
   if (genome.separate_cod) coding2.Estimate(genome.cod2);
-  MkChain noncoding(order, 1, param);
+  MkChain noncoding(order, 1, param, MkChain::Deferred{});
   noncoding.ClearMargins();
-  noncoding.Estimate(genome.non);
+  if (!noncoding.CanEstimate(genome.non)) noncoding.Estimate(genome.non);  // ends with its message
 
   WriteChainFile(*param.Find("--chain_cod"), coding1, genome.separate_cod ? &coding2 : nullptr);
+  coding1.Release();
+  coding2.Release();
+  noncoding.Estimate(genome.non);
   WriteChainFile(*param.Find("--chain_non"), noncoding, nullptr);
   return true;
 }

@@ -127,21 +127,27 @@ constexpr std::array<double, kMaxPrintPrecision + 1> kSteps = {1e-0, 1e-1, 1e-2,
 }  // namespace
 
 MkChain::MkChain(int order_value, int period_value, Param& param)
+    : MkChain(order_value, period_value, param, Deferred{}) {
+  Size();
+}
+
+MkChain::MkChain(int order_value, int period_value, Param& param, Deferred)
     : order(order_value), period(period_value) {
   std::int32_t read_order = -1;
   param.GetOpt(read_order, "--order_non");
   count_order = read_order == -1 || period != 1 ? order : read_order;
   revcomp = false;
-  ValidateAndSize();
+  Validate();
   ReadTuning(param);
 }
 
 MkChain::MkChain(int order_value, int period_value, int count_order_value)
     : order(order_value), period(period_value), count_order(count_order_value) {
-  ValidateAndSize();
+  Validate();
+  Size();
 }
 
-void MkChain::ValidateAndSize() {
+void MkChain::Validate() {
   if (static_cast<unsigned>(order) > kMaxOrder) PrintErrorAndExit({"error: order ", Number(order)});
   if (count_order < 0 || count_order > kMaxOrder) {
     PrintErrorAndExit({"error: order ", Number(count_order)});
@@ -151,8 +157,15 @@ void MkChain::ValidateAndSize() {
         {"error: order_count ", Number(count_order), " is higher than order ", Number(order)});
   }
   if (period != 1 && period != 3) PrintErrorAndExit({"error: period ", Number(period)});
+}
+
+void MkChain::Size() {
   tables.resize(static_cast<std::size_t>(period));
   for (std::vector<double>& table : tables) table.resize(WordCount(order + 1), 0.0);
+}
+
+void MkChain::Release() {
+  std::vector<std::vector<double>>().swap(tables);
 }
 
 // Each value is read as a non-negative integer; one beyond the int range is held at its end.
@@ -211,6 +224,7 @@ void MkChain::Symmetrise(int letters) {
 
 void MkChain::Estimate(const CodeSeq& sequence) {
   if (sequence.empty()) PrintErrorAndExit({"error: data input empty "});
+  if (tables.empty()) Size();
   const std::uint8_t* begin = sequence.data();
   const std::uint8_t* end = begin + sequence.size();
   CountForward(begin, end);
@@ -228,6 +242,7 @@ void MkChain::Estimate(const std::vector<CodeSeq>& sequences, int left, int righ
   if (left < 0 || right < 0) {
     PrintErrorAndExit({"error: Lmarg ", Number(left), " Rmarg ", Number(right)});
   }
+  if (tables.empty()) Size();
   const bool both_strands = revcomp && period == 1;
   for (const CodeSeq& sequence : sequences) {
     const std::int64_t length = static_cast<std::int64_t>(sequence.size());
@@ -239,6 +254,30 @@ void MkChain::Estimate(const std::vector<CodeSeq>& sequences, int left, int righ
   }
   if (both_strands) Symmetrise(count_order + 1);
   Normalise(pseudocount_value);
+}
+
+// The failures of Estimate, foreseen: the counting itself needs only the frames in which a word
+// of known letters ends somewhere.
+bool MkChain::CanEstimate(const std::vector<CodeSeq>& sequences) const {
+  if (sequences.empty() || left_margin < 0 || right_margin < 0 || pseudocount < 0) return false;
+  if (period != 1 && count_order != order) return false;
+  const int letters = count_order + 1;
+  std::array<bool, 3> counted{};
+  for (const CodeSeq& sequence : sequences) {
+    const std::int64_t length = static_cast<std::int64_t>(sequence.size());
+    if (std::int64_t{left_margin} + right_margin >= length) continue;
+    // A word ending at offset p of the stretch (p >= count_order) is counted in frame
+    // (p - count_order) % period.
+    int known = 0;
+    for (std::int64_t p = 0; p < length - left_margin - right_margin; ++p) {
+      known = sequence[static_cast<std::size_t>(left_margin + p)] < 4 ? known + 1 : 0;
+      if (known >= letters) counted[static_cast<std::size_t>((p - count_order) % period)] = true;
+    }
+  }
+  for (int f = 0; f < period; ++f) {
+    if (!counted[static_cast<std::size_t>(f)]) return false;
+  }
+  return true;
 }
 
 void MkChain::Normalise(int pseudocount_value) {
@@ -284,6 +323,7 @@ void MkChain::ExtendTable(int pseudocount_value) {
 }
 
 void MkChain::SetRandom(double gc) {
+  if (tables.empty()) Size();
   const std::array<double, 4> letter = {(1 - gc) * 0.5, gc * 0.5, gc * 0.5, (1 - gc) * 0.5};
   for (std::vector<double>& table : tables) {
     // Level by level, in place: the word w of k letters is the word w / 4 of k - 1 letters
@@ -299,10 +339,14 @@ std::string MkChain::ToText() const {
   return ToText(precision);
 }
 
-std::string MkChain::ToText(int digits) const {
+void MkChain::CheckPrecision(int digits) {
   if (static_cast<unsigned>(digits) > kMaxPrintPrecision) {
     PrintErrorAndExit({"error: precision ", Number(digits)});
   }
+}
+
+std::string MkChain::ToText(int digits) const {
+  CheckPrecision(digits);
   std::string text = "\n";
   if (tables.size() != 1 && tables.size() != 3) return text;
   const std::size_t words = tables[0].size();
@@ -310,6 +354,24 @@ std::string MkChain::ToText(int digits) const {
   text.reserve(1 + words * tables.size() * (static_cast<std::size_t>(digits) + 3));
   for (std::size_t word = 0; word < words; ++word) AppendRow(text, word, digits);
   return text;
+}
+
+void MkChain::WriteText(std::FILE* file) const {
+  CheckPrecision(precision);
+  if (file == nullptr) return;
+  constexpr std::size_t kSlice = std::size_t{1} << 20;
+  std::string text = "\n";
+  text.reserve(kSlice + 4096);
+  const std::size_t words =
+      tables.size() == 1 || tables.size() == 3 ? tables[0].size() : std::size_t{0};
+  for (std::size_t word = 0; word < words; ++word) {
+    AppendRow(text, word, precision);
+    if (text.size() >= kSlice) {
+      std::fwrite(text.data(), 1, text.size(), file);
+      text.clear();
+    }
+  }
+  std::fwrite(text.data(), 1, text.size(), file);
 }
 
 void MkChain::AppendRow(std::string& text, std::size_t word, int digits) const {

@@ -2,6 +2,7 @@
 #define GENETRAIN_MODEL_MKCHAIN_H
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,10 @@ class MkChain {
   // --MKCHAIN_PSEUDOCOUNTS, --MKCHAIN_PRECISION and --revcomp_non (malformed values are
   // reported and leave the defaults).
   MkChain(int order, int period, Param& param);
+  // The same, but the tables are made by the first estimate: a chain that is never estimated
+  // holds no memory (a table of order k holds 4^(k + 1) doubles per frame).
+  struct Deferred {};
+  MkChain(int order, int period, Param& param, Deferred);
   // Takes the count order directly and reads no option.
   MkChain(int order, int period, int count_order);
 
@@ -29,6 +34,11 @@ class MkChain {
   void Estimate(const std::vector<CodeSeq>& sequences, int left, int right, int pseudocount);
   // The independent-letters model of GC fraction gc.
   void SetRandom(double gc);
+  // False when estimating from the sequences (with the chain's own margins) would end the
+  // process: no sequence, or no word of count_order + 1 known letters for some frame.
+  bool CanEstimate(const std::vector<CodeSeq>& sequences) const;
+  // Drops the tables and their memory.
+  void Release();
 
   // For sequences taken whole: non-coding stretches, training files.
   void ClearMargins() {
@@ -39,6 +49,11 @@ class MkChain {
   // The printed table: a newline, then one line per word (three numbers for period 3).
   std::string ToText() const;
   std::string ToText(int precision) const;
+  // The text of ToText() written to the stream row by row, through a buffer of 1 MB, so that a
+  // chain of any order is printed without its text being held. A null stream writes nothing.
+  void WriteText(std::FILE* file) const;
+  // Ends the process, as ToText() does, when the precision cannot be printed.
+  void CheckPrecision() const { CheckPrecision(precision); }
 
   // The index of the reverse complement of a word of `letters` letters; 0 for no letters.
   static std::uint32_t ReverseComplementIndex(std::uint32_t word, int letters);
@@ -54,7 +69,8 @@ class MkChain {
   int precision = 5;
 
  private:
-  void ValidateAndSize();
+  void Validate();
+  void Size();
   void ReadTuning(Param& param);
   // Adds the words of the stretch read forward (frames from 0) or as its reverse complement.
   void CountForward(const std::uint8_t* begin, const std::uint8_t* end);
@@ -64,6 +80,7 @@ class MkChain {
   void Normalise(int pseudocount_value);
   void NormaliseTables(int pseudocount_value);
   void ExtendTable(int pseudocount_value);
+  static void CheckPrecision(int digits);
   void AppendRow(std::string& text, std::size_t word, int digits) const;
 };
 

@@ -65,7 +65,7 @@ bool BuildFromGenome(Report& report, Param& param) {
 
   const int chainOrder = ClampToInt(order);
   MkChain coding(chainOrder, 3, param);
-  MkChain second(chainOrder, 3, param);
+  MkChain second(chainOrder, 3, param, MkChain::Deferred{});  // tables only when estimated
   coding.Estimate(genome.cod1);
   if (genome.separate_cod) second.Estimate(genome.cod2);
   MkChain nonCoding(chainOrder, 1, param);

@@ -1,63 +1,37 @@
 // --clean_join and --clean: joining the records of a contig file into one text, with the N-run
-// editing both commands share.
-#include <algorithm>
+// editing both commands share. The text is never held whole: the records are joined straight
+// from the loaded file into the outputs, slice by slice.
+#include <sys/stat.h>
+
 #include <cstdio>
-#include <cstring>
 #include <string>
 
 #include "common/FileBuf.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "seq/FastaScanner.h"
+#include "seq/JoinedText.h"
+#include "seq/RecordJoiner.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
 
 namespace {
 
-// The room the joined text can need: every source and a filler between each two, and one spare
-// byte so that an end of line can follow without moving the text.
-std::size_t JoinCapacity(const std::vector<std::string_view>& sources, std::size_t fillerSize) {
-  std::size_t total = 1;
-  for (const std::string_view source : sources) total += source.size();
-  if (!sources.empty()) total += (sources.size() - 1) * fillerSize;
-  return total;
-}
-
-// Both joins; `ranges` is null for the unmarked one. A source is a record's sequence, either as
-// read or as raw FASTA text (line ends and all): both are counted and copied through the
-// single-case view, which leaves read sequences as they are. The minimum arrives as a signed
-// 32-bit number (a minimum of 2^31 or more has turned negative and keeps every record). Counts
-// are 64-bit and compared as such: identical to a 32-bit comparison below 2^31 letters per
-// record, and a larger record is not cut to 32 bits.
-std::size_t Join(const std::vector<std::string_view>& sources, std::string& out,
-                 std::string_view filler, std::int32_t minimum, SSeq::Tally& all, SSeq::Tally& kept,
-                 std::vector<SSeq::Range>* ranges) {
+// Both joins of the record holder, into a string; `ranges` is null for the unmarked one.
+std::size_t JoinInto(const std::vector<SeqRecord>& records, std::string& out,
+                     std::string_view filler, std::int32_t minimum, SSeq::Tally& all,
+                     SSeq::Tally& kept, std::vector<SSeq::Range>* ranges) {
   out.clear();
-  out.reserve(JoinCapacity(sources, filler.size()));
-  std::size_t keptRecords = 0;
-  for (const std::string_view source : sources) {
-    const SSeq::Tally own = SSeq::TallyLetters(source);
-    all.Add(own);
-    if (static_cast<std::int64_t>(own.Unambiguous()) < minimum) continue;
-    // The test is on the text, not on the count: records kept while the text is still empty
-    // get no filler after them.
-    if (!out.empty()) {
-      if (ranges != nullptr) ranges->push_back({out.size(), out.size() + filler.size()});
-      out.append(filler);
-    }
-    AppendLetters(source, UpperLetterTable(), out);
-    kept.Add(own);
-    ++keptRecords;
-  }
-  return keptRecords;
-}
-
-std::vector<std::string_view> Sequences(const std::vector<SeqRecord>& records) {
-  std::vector<std::string_view> sequences;
-  sequences.reserve(records.size());
-  for (const SeqRecord& record : records) sequences.push_back(record.sequence);
-  return sequences;
+  JoinedText text(out);
+  RecordJoiner joiner(filler, minimum);
+  joiner.AddOutput(text);
+  if (ranges != nullptr) joiner.RecordFillers(*ranges);
+  for (const SeqRecord& record : records) joiner.Add(record.sequence);
+  text.Finish();
+  all.Add(joiner.All());
+  kept.Add(joiner.Kept());
+  return joiner.KeptRecords();
 }
 
 // A FASTA file whose records are joined straight from the loaded text: no record is copied.
@@ -72,70 +46,42 @@ struct RawFasta {
     while (scanner.Next(span)) bodies.push_back(span.body);
     return true;
   }
+
+  void JoinInto(RecordJoiner& joiner) const {
+    for (const std::string_view body : bodies) joiner.Add(body);
+  }
 };
-
-// The end of the run of N that starts at `pos`.
-std::size_t RunEnd(const char* data, std::size_t pos, std::size_t size) {
-  while (pos < size && data[pos] == 'N') ++pos;
-  return pos;
-}
-
-// The next N at or after `pos`, or `size`.
-std::size_t NextN(const char* data, std::size_t pos, std::size_t size) {
-  const void* hit = std::memchr(data + pos, 'N', size - pos);
-  return hit == nullptr ? size : static_cast<std::size_t>(static_cast<const char*>(hit) - data);
-}
 
 }  // namespace
 
 std::size_t SSeq::JoinRecords(std::string& out, std::string_view filler, std::int32_t minimum,
                               Tally& all, Tally& kept) const {
-  return Join(Sequences(records_), out, filler, minimum, all, kept, nullptr);
+  return JoinInto(records_, out, filler, minimum, all, kept, nullptr);
 }
 
 std::size_t SSeq::JoinRecordsMarked(std::string& out, std::string_view filler, std::int32_t minimum,
                                     Tally& all, Tally& kept, std::vector<Range>& ranges) const {
-  return Join(Sequences(records_), out, filler, minimum, all, kept, &ranges);
+  return JoinInto(records_, out, filler, minimum, all, kept, &ranges);
 }
 
-// One pass with a read and a write cursor: text before a run moves down by what earlier runs
-// lost, a run leaves at most `maximum` N behind. Nothing moves until the first long run.
 void SSeq::TrimNRuns(std::string& text, std::int32_t maximum) {
   if (maximum < 0) return;
-  const auto keep = static_cast<std::size_t>(maximum);
-  char* data = text.data();
-  const std::size_t size = text.size();
-  std::size_t read = 0;
-  std::size_t write = 0;
-  while (read < size) {
-    const std::size_t start = NextN(data, read, size);
-    if (write != read) std::memmove(data + write, data + read, start - read);
-    write += start - read;
-    if (start == size) break;
-    const std::size_t end = RunEnd(data, start, size);
-    const std::size_t left = std::min(end - start, keep);
-    if (write != start) std::memset(data + write, 'N', left);
-    write += left;
-    read = end;
-  }
-  text.resize(write);
+  std::string trimmed;
+  JoinedText edited(trimmed);
+  edited.TrimRuns(static_cast<std::size_t>(maximum));
+  edited.Put(text);
+  edited.Finish();
+  text.swap(trimmed);
 }
 
 void SSeq::ReplaceNRuns(std::string& text, std::vector<Range>& ranges, std::string_view left,
                         std::string_view right) {
-  const std::size_t shortest = left.size() + right.size();
-  char* data = text.data();
-  const std::size_t size = text.size();
-  std::size_t start = NextN(data, 0, size);
-  while (start < size) {
-    const std::size_t end = RunEnd(data, start, size);
-    if (end - start >= shortest) {
-      left.copy(data + start, left.size());
-      right.copy(data + end - right.size(), right.size());
-      ranges.push_back({start, end});
-    }
-    start = NextN(data, end, size);
-  }
+  std::string flanked;
+  JoinedText edited(flanked);
+  edited.FlankRuns(left, right, &ranges);
+  edited.Put(text);
+  edited.Finish();
+  text.swap(flanked);
 }
 
 namespace {
@@ -146,6 +92,8 @@ struct JoinOptions {
   std::string filler;
   std::int32_t maxN = -1;
   std::int32_t minSeq = 1;
+
+  std::int32_t Minimum() const { return static_cast<std::int32_t>(minContig); }
 };
 
 bool ReadJoinOptions(Param& param, JoinOptions& options) {
@@ -162,10 +110,12 @@ void AppendPair(std::string& text, std::string_view label, std::uint64_t all, st
 }
 
 // Line 3 alone has three blanks between its numbers: scripts that read the report expect them.
-std::string JoinReport(std::size_t records, std::size_t keptRecords, const SSeq::Tally& all,
-                       const SSeq::Tally& kept, std::size_t outLength, const JoinOptions& options) {
+std::string JoinReport(std::size_t records, const RecordJoiner& joiner, std::uint64_t outLength,
+                       const JoinOptions& options) {
+  const SSeq::Tally& all = joiner.All();
+  const SSeq::Tally& kept = joiner.Kept();
   std::string text = "Clean-Join      IN   OUT\n";
-  AppendPair(text, "Contigs - ", records, keptRecords);
+  AppendPair(text, "Contigs - ", records, joiner.KeptRecords());
   text.append("All letters - ").append(std::to_string(all.All())).append("   ");
   text.append(std::to_string(outLength)).push_back('\n');
   AppendPair(text, "Unambiguous letters - ", all.Unambiguous(), kept.Unambiguous());
@@ -188,39 +138,51 @@ std::string JoinReport(std::size_t records, std::size_t keptRecords, const SSeq:
   return text;
 }
 
+// The report goes out before the joined text, and tells its length: a first pass counts. Only
+// trimming needs the letters for that; otherwise the length follows from the counts.
+std::string ReportFor(const RawFasta& input, const JoinOptions& options) {
+  RecordJoiner joiner(options.filler, options.Minimum());
+  JoinedText counted;
+  if (options.maxN >= 0) {
+    counted.TrimRuns(static_cast<std::size_t>(options.maxN));
+    joiner.AddOutput(counted);
+  }
+  input.JoinInto(joiner);
+  counted.Finish();
+  const std::uint64_t length = options.maxN >= 0 ? counted.Size() : joiner.Length();
+  return JoinReport(input.bodies.size(), joiner, length, options);
+}
+
 }  // namespace
 
 bool SSeq::CleanJoin(Param& param) {
   const std::string outName = param.ValueOrEmpty("--clean_join");
   JoinOptions options;
   if (!ReadJoinOptions(param, options)) return false;
-  std::string joined;
-  Tally all;
-  Tally kept;
-  std::size_t records = 0;
-  std::size_t keptRecords = 0;
-  {
-    RawFasta input;
-    if (!input.Load(options.seq)) return false;
-    records = input.bodies.size();
-    keptRecords = Join(input.bodies, joined, options.filler,
-                       static_cast<std::int32_t>(options.minContig), all, kept, nullptr);
-  }
-  if (options.maxN >= 0) TrimNRuns(joined, options.maxN);
+  RawFasta input;
+  if (!input.Load(options.seq)) return false;
 
   if (const std::string* log = param.Find("--log")) {
-    const std::string report = JoinReport(records, keptRecords, all, kept, joined.size(), options);
+    const std::string report = ReportFor(input, options);
     if (log->empty()) {
       WriteStdout(report);
     } else {
       WriteFile(*log, report, true);
     }
   }
-  if (outName.empty()) {
-    joined.push_back('\n');  // the spare byte of the join: no reallocation
-    WriteStdout(joined);
+  // A file that cannot be opened loses the text, as the other outputs do.
+  std::FILE* stream = outName.empty() ? stdout : std::fopen(outName.c_str(), "wb");
+  if (stream == nullptr) return true;
+  JoinedText text(stream);
+  if (options.maxN >= 0) text.TrimRuns(static_cast<std::size_t>(options.maxN));
+  RecordJoiner joiner(options.filler, options.Minimum());
+  joiner.AddOutput(text);
+  input.JoinInto(joiner);
+  text.Finish();
+  if (stream == stdout) {
+    std::fputc('\n', stdout);
   } else {
-    WriteFile(outName, joined);
+    std::fclose(stream);
   }
   return true;
 }
@@ -250,34 +212,76 @@ bool ReadCleanOptions(Param& param, CleanOptions& options) {
          param.GetOpt(options.right, "--RIGHT_GAP_FILLER");
 }
 
+// Opens the named file for writing while `first` is still to be written, where that cannot
+// change what either ends up holding: the name is a regular file or not there yet, and not the
+// file `first` writes. Otherwise (the same file under another name, a device, a pipe) returns
+// null, and the file is to be written after `first` is closed, as the order then shows.
+std::FILE* OpenAlongside(std::FILE* first, const std::string& name) {
+  struct stat status;
+  if (::stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return nullptr;
+  std::FILE* second = std::fopen(name.c_str(), "wb");
+  if (second == nullptr || first == nullptr) return second;
+  struct stat firstStatus;
+  if (::fstat(fileno(first), &firstStatus) == 0 && ::fstat(fileno(second), &status) == 0 &&
+      (firstStatus.st_dev != status.st_dev || firstStatus.st_ino != status.st_ino)) {
+    return second;
+  }
+  std::fclose(second);
+  return nullptr;
+}
+
+void Close(std::FILE* file) {
+  if (file != nullptr) std::fclose(file);
+}
+
+// The masked copy on its own, after the clean one.
+void WriteMasked(const RawFasta& input, const std::string& name, std::string_view filler,
+                 std::int32_t minimum) {
+  std::FILE* file = std::fopen(name.c_str(), "wb");
+  if (file == nullptr) return;
+  JoinedText masked(file);
+  RecordJoiner joiner(filler, minimum);
+  joiner.AddOutput(masked, true);
+  input.JoinInto(joiner);
+  masked.Finish();
+  std::fclose(file);
+}
+
 }  // namespace
 
-// The masked copy is made in place after the clean copy is written: one text serves both.
+// The clean copy is the joined text with its long N runs flanked on request; the masked copy is
+// the join with N in place of every filler (the runs were N to begin with). Both are made in one
+// pass when they go to two separate files.
 bool SSeq::Clean(Param& param) {
   CleanOptions options;
   if (!ReadCleanOptions(param, options)) return false;
-  std::string joined;
-  Tally all;
-  Tally kept;
-  std::vector<Range> ranges;
-  {
-    RawFasta input;
-    if (!input.Load(options.seq)) return false;
-    Join(input.bodies, joined, options.filler, static_cast<std::int32_t>(options.minContig), all,
-         kept, &ranges);
-  }
-  if (options.replaceN) ReplaceNRuns(joined, ranges, options.left, options.right);
-  WriteFile(options.outClean, joined);
+  RawFasta input;
+  if (!input.Load(options.seq)) return false;
+  const auto minimum = static_cast<std::int32_t>(options.minContig);
 
-  for (const Range& range : ranges) {
-    std::memset(joined.data() + range.begin, 'N', range.end - range.begin);
+  std::FILE* cleanFile = std::fopen(options.outClean.c_str(), "wb");
+  std::FILE* maskedFile = OpenAlongside(cleanFile, options.outMasked);
+  JoinedText clean(cleanFile);
+  if (options.replaceN) clean.FlankRuns(options.left, options.right);
+  JoinedText masked(maskedFile);
+  RecordJoiner joiner(options.filler, minimum);
+  if (cleanFile != nullptr) joiner.AddOutput(clean);
+  if (maskedFile != nullptr) joiner.AddOutput(masked, true);
+  input.JoinInto(joiner);
+  clean.Finish();
+  masked.Finish();
+  Close(cleanFile);
+  if (maskedFile != nullptr) {
+    std::fclose(maskedFile);
+  } else {
+    WriteMasked(input, options.outMasked, options.filler, minimum);
   }
-  WriteFile(options.outMasked, joined);
 
   // Signed as the option is; 64-bit so that a count beyond 2^31 is not taken as negative.
-  if (static_cast<std::int64_t>(kept.Unambiguous()) < options.minSeq) {
+  const std::uint64_t unambiguous = joiner.Kept().Unambiguous();
+  if (static_cast<std::int64_t>(unambiguous) < options.minSeq) {
     PrintError({"error: number of unambiguous letters in output sequence ",
-                std::to_string(kept.Unambiguous()), " less than allowed ",
+                std::to_string(unambiguous), " less than allowed ",
                 std::to_string(options.minSeq)});
     return false;
   }

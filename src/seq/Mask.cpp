@@ -9,7 +9,8 @@
 
 #include "common/FileBuf.h"
 #include "common/Message.h"
-#include "common/Output.h"
+#include "seq/FastaScanner.h"
+#include "seq/LetterChunks.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
@@ -73,20 +74,72 @@ std::vector<Interval> ParseIntervals(std::string_view text) {
 
 // An interval reaching past the end fails. So do the ones that name no sensible stretch: first
 // 0 (there is no position 0) and first beyond last + 1 (first = last + 1 is an empty stretch).
-bool ApplyIntervals(const std::vector<Interval>& intervals, std::string& sequence) {
-  const std::size_t length = sequence.size();
+// Every interval is checked before any is applied, so a refused one leaves nothing written.
+bool CheckIntervals(const std::vector<Interval>& intervals, std::uint64_t length) {
   for (const Interval& interval : intervals) {
     if (interval.first > length || interval.last > length) return false;
     if (interval.first == 0 || std::uint64_t{interval.first} > std::uint64_t{interval.last} + 1) {
       return false;
     }
-    std::fill(sequence.begin() + interval.first - 1, sequence.begin() + interval.last, 'N');
   }
   return true;
 }
 
+// The 0-based ranges of the intervals, in order and merged where they meet: setting N does not
+// depend on the order, and the ranges can then be met in one walk along the sequence.
+std::vector<SSeq::Range> MaskedRanges(const std::vector<Interval>& intervals) {
+  std::vector<SSeq::Range> ranges;
+  for (const Interval& interval : intervals) {
+    if (interval.first <= interval.last) ranges.push_back({interval.first - 1u, interval.last});
+  }
+  std::sort(ranges.begin(), ranges.end(),
+            [](const SSeq::Range& a, const SSeq::Range& b) { return a.begin < b.begin; });
+  std::vector<SSeq::Range> merged;
+  for (const SSeq::Range& range : ranges) {
+    if (!merged.empty() && range.begin <= merged.back().end) {
+      merged.back().end = std::max(merged.back().end, range.end);
+    } else {
+      merged.push_back(range);
+    }
+  }
+  return merged;
+}
+
+// Sets to N what the ranges cover of the letters at `offset` of the sequence; `next` is the first
+// range not yet passed.
+void MaskPiece(char* letters, std::size_t size, std::size_t offset,
+               const std::vector<SSeq::Range>& ranges, std::size_t& next) {
+  const std::size_t end = offset + size;
+  for (; next < ranges.size() && ranges[next].begin < end; ++next) {
+    const std::size_t from = std::max(ranges[next].begin, offset);
+    const std::size_t to = std::min(ranges[next].end, end);
+    if (from < to) std::memset(letters + (from - offset), 'N', to - from);
+    if (ranges[next].end > end) break;  // goes on into the next piece
+  }
+}
+
+// The label line, then the letters of the body with the ranges set to N, piece by piece, on one
+// line: the sequence is never held whole.
+void WriteMasked(std::FILE* file, const FastaSpan& record, const LetterTable& table,
+                 const std::vector<SSeq::Range>& ranges) {
+  if (!record.label.empty()) std::fwrite(record.label.data(), 1, record.label.size(), file);
+  std::fputc('\n', file);
+  std::string buffer;
+  LetterChunks chunks(record.body, table, buffer);
+  std::string_view letters;  // stands at the start of the buffer
+  std::size_t offset = 0;
+  std::size_t next = 0;
+  while (chunks.Next(letters)) {
+    MaskPiece(buffer.data(), letters.size(), offset, ranges, next);
+    std::fwrite(letters.data(), 1, letters.size(), file);
+    offset += letters.size();
+  }
+  std::fputc('\n', file);
+}
+
 }  // namespace
 
+// The record is masked and written straight from the loaded file.
 bool SSeq::Mask(Param& param) {
   std::string seqName;
   std::string maskName;
@@ -95,15 +148,20 @@ bool SSeq::Mask(Param& param) {
       !param.GetWord(outName, "--out")) {
     return false;
   }
-  if (!ReadFasta(seqName) || records_.size() != 1) return false;
+  FileBuf input;
+  if (!input.Load(seqName.c_str())) return false;
+  FastaScanner scanner(input.View());
+  FastaSpan record;
+  FastaSpan another;
+  if (!scanner.Next(record) || scanner.Next(another)) return false;
 
   std::string text;
   if (!ReadWhole(maskName, text)) {
     PrintError({" : error, opening file ", maskName});
     return false;
   }
-  SeqRecord& record = records_.front();
-  if (!ApplyIntervals(ParseIntervals(text), record.sequence)) return false;
+  const std::vector<Interval> intervals = ParseIntervals(text);
+  if (!CheckIntervals(intervals, TallyLetters(record.body).All())) return false;
 
   // The message names the interval file, not the output: scripts match on it.
   std::FILE* file = std::fopen(outName.c_str(), "wb");
@@ -111,10 +169,7 @@ bool SSeq::Mask(Param& param) {
     PrintError({" : error, opening file ", maskName});
     return false;
   }
-  std::string out;
-  out.reserve(record.label.size() + record.sequence.size() + 2);
-  out.append(record.label).append("\n").append(record.sequence).append("\n");
-  WriteAll(file, out);
+  WriteMasked(file, record, *table_, MaskedRanges(intervals));
   std::fclose(file);
   return true;
 }

@@ -1,5 +1,5 @@
 // The record utilities that rewrite records: renaming (--clean_fasta) and the filter of coding
-// sequences (--CLEAN_CODING). Both hold the records in memory.
+// sequences (--CLEAN_CODING).
 
 #include <cstdio>
 #include <string>
@@ -7,7 +7,11 @@
 
 #include "seq/MSSeq.h"
 
+#include "common/FileBuf.h"
+#include "common/Format.h"
 #include "common/Output.h"
+#include "seq/FastaScanner.h"
+#include "seq/LetterChunks.h"
 
 namespace genetrain {
 
@@ -21,12 +25,18 @@ std::string_view Inner(std::string_view sequence, std::uint32_t left, std::uint3
   return sequence.substr(left, sequence.size() - margins);
 }
 
+// Records go out through a stream buffer of this size: many small records make few large writes.
+constexpr std::size_t kOutputBuffer = std::size_t{1} << 20;
+
 struct CodingCounts {
   std::uint64_t records = 0, good = 0, bad = 0, shorter = 0;
 };
 
 }  // namespace
 
+// The records are renamed and written straight from the loaded file, their letters piece by
+// piece, so that no record is copied whole; only the index, a short line per record, is gathered
+// and written after them.
 bool MSSeq::CleanFasta(Param& param) {
   std::string input, index, output, prefix;
   if (!param.GetWord(input, "--clean_fasta") || !param.GetWord(index, "--clean_fasta_index") ||
@@ -34,24 +44,30 @@ bool MSSeq::CleanFasta(Param& param) {
       !param.GetWord(prefix, "--clean_fasta_label")) {
     return false;
   }
-  if (!ReadFasta(input)) return false;
-  std::size_t letters = 0, labels = 0;
-  for (const SeqRecord& record : records_) {
-    letters += record.sequence.size();
-    labels += record.label.size();
+  FileBuf file;
+  if (!file.Load(input.c_str())) return false;
+  std::FILE* fasta = std::fopen(output.c_str(), "wb");
+  if (fasta != nullptr) std::setvbuf(fasta, nullptr, _IOFBF, kOutputBuffer);
+  std::string names;
+  std::string header;
+  std::string buffer;
+  FastaScanner scanner(file.View());
+  FastaSpan span;
+  for (std::size_t i = 0; scanner.Next(span); ++i) {
+    header.clear();
+    header.push_back('>');
+    header.append(prefix).push_back('.');
+    AppendInteger(header, i);
+    names.append(header).append("\t").append(span.label).push_back('\n');
+    if (fasta == nullptr) continue;
+    header.push_back('\n');
+    std::fwrite(header.data(), 1, header.size(), fasta);
+    LetterChunks chunks(span.body, CasePreservingLetterTable(), buffer);
+    std::string_view letters;
+    while (chunks.Next(letters)) std::fwrite(letters.data(), 1, letters.size(), fasta);
+    std::fwrite("\n\n", 1, 2, fasta);
   }
-  const std::size_t perRecord = prefix.size() + 24;
-  std::string fasta, names;
-  fasta.reserve(letters + records_.size() * (perRecord + 3));
-  names.reserve(labels + records_.size() * (perRecord + 2));
-  for (std::size_t i = 0; i < records_.size(); ++i) {
-    const std::string number = std::to_string(i);
-    fasta.append(">").append(prefix).append(".").append(number).push_back('\n');
-    fasta.append(records_[i].sequence).append("\n\n");
-    names.append(">").append(prefix).append(".").append(number).push_back('\t');
-    names.append(records_[i].label).push_back('\n');
-  }
-  WriteFile(output, fasta);
+  if (fasta != nullptr) std::fclose(fasta);
   WriteFile(index, names);
   return true;
 }

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TestSupport.h"
@@ -156,6 +158,24 @@ TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsage) {
   orf.BuildCodonArray(Codes("AC"));
   EXPECT_EQ(orf.codon_array, (std::vector<std::uint8_t>{64, 64}));
   EXPECT_EQ(orf.codon_usage[64], 0u);
+}
+
+TEST(OrfCodonArray, BuiltInPlaceOfTheCodesAsFromACopy) {
+  std::mt19937 random(5);
+  std::uniform_int_distribution<int> code(0, 5);
+  // Lengths around the blocks of the in-place build (256 codons), and the shortest ones.
+  for (const std::size_t length : {0u, 1u, 2u, 3u, 257u, 258u, 259u, 514u, 1000u}) {
+    CodeSeq codes(length);
+    for (std::uint8_t& base : codes) base = static_cast<std::uint8_t>(std::min(code(random), 4));
+    ORF copied;
+    copied.BuildCodonArray(codes);
+    ORF moved;
+    CodeSeq given = codes;
+    moved.BuildCodonArray(std::move(given));
+    EXPECT_EQ(moved.codon_array, copied.codon_array) << length;
+    EXPECT_EQ(moved.codon_usage, copied.codon_usage) << length;
+    EXPECT_TRUE(given.empty());
+  }
 }
 
 TEST(OrfSearch, MinimumCountsTheBasesBetweenStartAndStop) {

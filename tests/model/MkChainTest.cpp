@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -408,6 +409,47 @@ TEST(MkChainTest, EstimatesAddUp) {
   EXPECT_EQ(chain.tables[0], (std::vector<double>{0.5, 0.5, 0, 0}));
 }
 
+TEST(MkChainTest, DeferredTablesAreMadeByTheEstimateAndReleased) {
+  Param param;
+  param.Set("--MKCHAIN_PRECISION", "3");
+  MkChain deferred(2, 3, param, MkChain::Deferred{});
+  EXPECT_TRUE(deferred.tables.empty());
+  EXPECT_EQ(deferred.precision, 3);
+  MkChain sized(2, 3, param);
+  const std::vector<CodeSeq> genes = {Codes("ATGAAACCCGGGTTTACGTAA"), Codes("ATGCCCAAATGA")};
+  deferred.Estimate(genes);
+  sized.Estimate(genes);
+  EXPECT_EQ(deferred.tables, sized.tables);
+  deferred.Release();
+  EXPECT_TRUE(deferred.tables.empty());
+  MkChain random(1, 1, param, MkChain::Deferred{});
+  random.SetRandom(0.5);
+  EXPECT_EQ(random.tables[0].size(), 16u);
+}
+
+TEST(MkChainTest, WrittenTextIsTheTextInSlices) {
+  // Order 7 in three frames: 65,536 rows of 36 bytes, more than two slices of the writer.
+  MkChain chain(7, 3, 7);
+  std::mt19937 random(3);
+  std::uniform_int_distribution<int> base(0, 4);
+  std::vector<CodeSeq> genes(40, CodeSeq(3000));
+  for (CodeSeq& gene : genes) {
+    for (std::uint8_t& code : gene) code = static_cast<std::uint8_t>(base(random));
+  }
+  chain.precision = 9;
+  chain.Estimate(genes);
+  std::FILE* file = std::tmpfile();
+  ASSERT_NE(file, nullptr);
+  chain.WriteText(file);
+  std::rewind(file);
+  std::string written;
+  for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file))
+    written.push_back(static_cast<char>(c));
+  std::fclose(file);
+  EXPECT_EQ(written, chain.ToText());
+  EXPECT_GT(written.size(), std::size_t{1} << 20);
+}
+
 using MkChainDeathTest = testing::Test;
 
 std::vector<CodeSeq> One(const std::string& letters) {
@@ -471,6 +513,29 @@ TEST_F(MkChainDeathTest, PrecisionLimit) {
   EXPECT_EXIT(chain.ToText(-1), exits, testing::Eq("error: precision -1\n"));
   chain.precision = 12;
   EXPECT_EXIT(chain.ToText(), exits, testing::Eq("error: precision 12\n"));
+}
+
+// CanEstimate foresees exactly the estimates that end the process.
+TEST_F(MkChainDeathTest, CanEstimateForeseesEveryFailure) {
+  std::mt19937 random(17);
+  std::uniform_int_distribution<int> count(0, 3), length(0, 9), base(0, 6);
+  for (int round = 0; round < 60; ++round) {
+    std::vector<CodeSeq> sequences(static_cast<std::size_t>(count(random)));
+    for (CodeSeq& sequence : sequences) {
+      sequence.resize(static_cast<std::size_t>(length(random)));
+      for (std::uint8_t& code : sequence)
+        code = static_cast<std::uint8_t>(std::min(base(random), 4));
+    }
+    const int order = round % 3;
+    MkChain chain(order, round % 2 == 0 ? 1 : 3, order);
+    chain.left_margin = round % 4 == 0 ? 2 : 0;
+    chain.right_margin = round % 5 == 0 ? 1 : 0;
+    if (chain.CanEstimate(sequences)) {
+      chain.Estimate(sequences);  // returns
+    } else {
+      EXPECT_EXIT(chain.Estimate(sequences), testing::ExitedWithCode(1), "") << round;
+    }
+  }
 }
 
 }  // namespace

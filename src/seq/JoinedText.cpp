@@ -1,0 +1,144 @@
+#include "seq/JoinedText.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace genetrain {
+
+namespace {
+
+constexpr std::size_t kSlice = std::size_t{1} << 20;
+
+// The end of the run of N that starts at `pos`.
+std::size_t RunEnd(std::string_view text, std::size_t pos) {
+  while (pos < text.size() && text[pos] == 'N') ++pos;
+  return pos;
+}
+
+// The next N at or after `pos`, or the end of the text.
+std::size_t NextN(std::string_view text, std::size_t pos) {
+  const void* hit = std::memchr(text.data() + pos, 'N', text.size() - pos);
+  return hit == nullptr ? text.size()
+                        : static_cast<std::size_t>(static_cast<const char*>(hit) - text.data());
+}
+
+}  // namespace
+
+void JoinedText::TrimRuns(std::size_t maximum) {
+  edit_ = RunEdit::kTrim;
+  maximum_ = maximum;
+}
+
+void JoinedText::FlankRuns(std::string_view left, std::string_view right,
+                           std::vector<SSeq::Range>* ranges) {
+  edit_ = RunEdit::kFlank;
+  left_.assign(left);
+  right_.assign(right);
+  ranges_ = ranges;
+}
+
+void JoinedText::Put(std::string_view text) {
+  switch (edit_) {
+    case RunEdit::kNone:
+      Emit(text);
+      break;
+    case RunEdit::kTrim:
+      PutTrimmed(text);
+      break;
+    case RunEdit::kFlank:
+      PutFlanked(text);
+      break;
+  }
+}
+
+void JoinedText::Finish() {
+  if (edit_ == RunEdit::kFlank) EndFlankedRun();
+  Flush();
+}
+
+// All N look alike: keeping the first `maximum_` of a run gives what keeping its last ones does.
+void JoinedText::PutTrimmed(std::string_view text) {
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    const std::size_t start = NextN(text, pos);
+    if (start > pos) {
+      Emit(text.substr(pos, start - pos));
+      run_ = 0;
+    }
+    if (start == text.size()) break;
+    const std::size_t end = RunEnd(text, start);
+    const std::uint64_t room = run_ < maximum_ ? maximum_ - run_ : 0;
+    EmitN(std::min<std::uint64_t>(end - start, room));
+    run_ += end - start;
+    pos = end;
+  }
+}
+
+// A run is held back as a count until a letter other than N (or the end) shows its length.
+void JoinedText::PutFlanked(std::string_view text) {
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    const std::size_t start = NextN(text, pos);
+    if (start > pos) {
+      EndFlankedRun();
+      Emit(text.substr(pos, start - pos));
+    }
+    if (start == text.size()) break;
+    const std::size_t end = RunEnd(text, start);
+    run_ += end - start;
+    pos = end;
+  }
+}
+
+void JoinedText::EndFlankedRun() {
+  if (run_ == 0) return;
+  const std::uint64_t flanks = left_.size() + right_.size();
+  if (run_ >= flanks) {
+    if (ranges_ != nullptr) ranges_->push_back({size_, size_ + run_});
+    Emit(left_);
+    EmitN(run_ - flanks);
+    Emit(right_);
+  } else {
+    EmitN(run_);
+  }
+  run_ = 0;
+}
+
+void JoinedText::Emit(std::string_view bytes) {
+  size_ += bytes.size();
+  if (text_ != nullptr) {
+    text_->append(bytes);
+    return;
+  }
+  if (stream_ == nullptr) return;
+  while (!bytes.empty()) {
+    if (slice_.size() == kSlice) Flush();
+    if (slice_.capacity() < kSlice) slice_.reserve(kSlice);
+    const std::size_t part = std::min(bytes.size(), kSlice - slice_.size());
+    slice_.append(bytes.substr(0, part));
+    bytes.remove_prefix(part);
+  }
+}
+
+void JoinedText::EmitN(std::uint64_t count) {
+  size_ += count;
+  if (text_ != nullptr) {
+    text_->append(count, 'N');
+    return;
+  }
+  if (stream_ == nullptr) return;
+  while (count > 0) {
+    if (slice_.size() == kSlice) Flush();
+    if (slice_.capacity() < kSlice) slice_.reserve(kSlice);
+    const std::size_t part = std::min<std::uint64_t>(count, kSlice - slice_.size());
+    slice_.append(part, 'N');
+    count -= part;
+  }
+}
+
+void JoinedText::Flush() {
+  if (stream_ != nullptr && !slice_.empty()) std::fwrite(slice_.data(), 1, slice_.size(), stream_);
+  slice_.clear();
+}
+
+}  // namespace genetrain
