@@ -18,6 +18,9 @@ command_for() {
     count_substring_n)
       CMD=("$bin" --count_substring_n "" --seq "$in")
       SHOWN='genetrain --count_substring_n "" --seq F' ;;
+    count_substring_atcg)
+      CMD=("$bin" --count_substring_atcg "" --seq "$in" --max_nnn_substring 10)
+      SHOWN='genetrain --count_substring_atcg "" --seq F --max_nnn_substring 10' ;;
     clean_join)
       CMD=("$bin" --clean_join "$o/joined.txt" --seq "$in" --GAP_FILLER NNNNNNNNNN --MAX_N_SUBSTRING 100)
       SHOWN='genetrain --clean_join out --seq F --GAP_FILLER NNNNNNNNNN --MAX_N_SUBSTRING 100' ;;
