@@ -10,23 +10,18 @@
 namespace genetrain {
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
-// The sequence as the gene commands load it; `flags` are further options such as --TAA_ 1.
-VSeq Loaded(const std::string& bases, const std::vector<std::string>& flags = {}) {
+// The sequence as the gene commands load it, with TAA as the only stop codon if `stops`.
+VSeq Loaded(const std::string& bases, bool stops = false) {
   test::ScratchDir dir;
   Param param;
   param.Set("--seq", dir.Write("g.fa", ">g\n" + bases + "\n"));
-  for (std::size_t i = 0; i + 1 < flags.size(); i += 2) param.Set(flags[i], flags[i + 1]);
+  if (stops) param.Set("--TAA_", "1");
   VSeq seq;
   EXPECT_TRUE(seq.LoadForGenes(param));
   return seq;
 }
 
-// A six-column gene set (or two-column with `twoColumn`) limited to the sequence.
+// A six-column (or two-column) gene set limited to the sequence.
 GeneSet Genes(const VSeq& seq, const std::string& text, bool twoColumn = false) {
   GeneSet set;
   set.max_right = static_cast<std::int32_t>(seq.sequence.size());
@@ -40,215 +35,117 @@ Genome DefaultGenome() {
   return Genome(none);
 }
 
-std::vector<std::string> Letters(const Genome& genome, const std::vector<CodeSeq>& list) {
-  std::vector<std::string> lines;
-  for (const CodeSeq& codes : list) {
-    std::string line = genome.WriteSeq(codes);
-    line.pop_back();
-    lines.push_back(line);
+// The genes turned away as "left-right", with "<" and ">" marking open ends.
+std::string Rejected(const Genome& genome) {
+  std::string text;
+  for (const GENE& gene : genome.rejected) {
+    text += std::string(gene.left_complete ? "" : "<") + std::to_string(gene.left) + "-" +
+            std::to_string(gene.right) + (gene.right_complete ? "" : ">") + " ";
   }
-  return lines;
+  return text;
 }
 
-// 99 bases: CCC, a gene body of 93 bases from ATG to TAA, GGG. With margins 3 and 3 only the
-// body is left; the trimmed ends are the only C runs and G runs of the sequence.
-const std::string kGene99 =
-    "CCC"
-    "ATG" +
-    std::string(87, 'A') +
-    "TAA"
-    "GGG";
-
-TEST(ExtractCoding, MarginsTrimStartEndAndStopEndOnBothStrands) {
-  const VSeq seq = Loaded(kGene99, {"--TAA_", "1"});
-  Genome genome = DefaultGenome();
-  genome.ExtractCoding(seq, Genes(seq, "d + 1 99 99 1\nr - 1 99 99 1\n"), 3, 3);
-  ASSERT_EQ(genome.cod1.size(), 2u);
-  EXPECT_EQ(Letters(genome, genome.cod1)[0], "ATG" + std::string(87, 'A') + "TAA");
-  // Reverse: the complement read backwards, 96..98 (start end) and 0..2 (stop end) trimmed.
-  EXPECT_EQ(Letters(genome, genome.cod1)[1], "TTA" + std::string(87, 'T') + "CAT");
-  EXPECT_TRUE(genome.rejected.empty());
+std::string A(int count) {
+  return std::string(count, 'A');
+}
+std::string T(int count) {
+  return std::string(count, 'T');
 }
 
-TEST(ExtractCoding, UnequalMarginsFollowTheGeneDirection) {
-  const VSeq seq = Loaded(kGene99);
-  Genome genome = DefaultGenome();
-  // L = 6 comes off the start end, R = 3 off the stop end: for the reverse gene the start end
-  // is at the right, so TAA GGG and CCC go and ATG A...A is read backwards and complemented.
-  genome.ExtractCoding(seq, Genes(seq, "d + 1 99 99 1\nr - 1 99 99 1\n"), 6, 3);
-  ASSERT_EQ(genome.cod1.size(), 2u);
-  EXPECT_EQ(Letters(genome, genome.cod1)[0], std::string(87, 'A') + "TAA");
-  EXPECT_EQ(Letters(genome, genome.cod1)[1], std::string(87, 'T') + "CAT");
-}
+// 99 bases: CCC, a 93-base gene body from ATG to TAA, GGG; both strands of 1..99 are annotated.
+const std::string kGene99 = "CCCATG" + A(87) + "TAAGGG";
+const std::string kBothStrands = "d + 1 99 99 1\nr - 1 99 99 1\n";
 
-TEST(ExtractCoding, LengthLimitsTurnGenesAway) {
-  const VSeq seq = Loaded(std::string(300, 'A'));
-  Genome genome = DefaultGenome();
-  // Six bases minus 3 + 3 leave nothing: turned away even with MIN_COD 0.
-  genome.ExtractCoding(seq, Genes(seq, "a + 1 6 6 1\n"), 3, 3);
-  EXPECT_TRUE(genome.cod1.empty());
-  ASSERT_EQ(genome.rejected.size(), 1u);
-  EXPECT_EQ(genome.rejected[0].right, 5);
-
-  Genome strict = DefaultGenome();
-  strict.min_cod = 90;
-  strict.ExtractCoding(seq, Genes(seq, "a + 1 90 90 1\nb + 101 187 87 1\nc + 201 296 96 1\n"), 0,
-                       0);
-  EXPECT_EQ(strict.cod1.size(), 2u);
-  ASSERT_EQ(strict.rejected.size(), 1u);
-  EXPECT_EQ(strict.rejected[0].left, 100);
-
-  // The limit applies after trimming: 96 - 3 - 3 = 90 is kept, 93 - 6 = 87 is not.
-  Genome trimmed = DefaultGenome();
-  trimmed.min_cod = 90;
-  trimmed.ExtractCoding(seq, Genes(seq, "a + 1 96 96 1\nb + 101 193 93 1\n"), 3, 3);
-  EXPECT_EQ(trimmed.cod1.size(), 1u);
-  EXPECT_EQ(trimmed.cod1[0].size(), 90u);
-  ASSERT_EQ(trimmed.rejected.size(), 1u);
-  EXPECT_EQ(trimmed.rejected[0].left, 100);
-}
-
-TEST(ExtractCoding, PartialAndInvalidGenes) {
-  const VSeq seq = Loaded(std::string(300, 'A'));
-  const std::string text = "a + <1 99 99 1\nb - 101 >199 99 1\nc + 201 300 100 1\njunk\n";
-  Genome genome = DefaultGenome();
-  genome.ExtractCoding(seq, Genes(seq, text), 0, 0);
-  EXPECT_TRUE(genome.cod1.empty());
-  ASSERT_EQ(genome.rejected.size(), 4u);  // every record, in gene set order
-  EXPECT_FALSE(genome.rejected[0].left_complete);
-  EXPECT_FALSE(genome.rejected[1].right_complete);
-  EXPECT_EQ(genome.rejected[2].left, 200);
-  EXPECT_EQ(genome.rejected[3].left, -1);
-
-  Genome partial = DefaultGenome();
-  partial.exclude_partial = false;
-  partial.ExtractCoding(seq, Genes(seq, text), 0, 0);
-  EXPECT_EQ(partial.cod1.size(), 2u);
-  EXPECT_EQ(partial.rejected.size(), 2u);
-}
-
-TEST(ExtractCoding, InternalStopTurnsGeneAway) {
-  const VSeq seq = Loaded(
-      "ATGTAAGGGTAA"
-      "ATGGGGGGGTAA",
-      {"--TAA_", "1"});
-  Genome genome = DefaultGenome();
-  CaptureStdout();
-  genome.ExtractCoding(seq, Genes(seq, "a + 1 12 12 1\nb + 13 24 12 1\n"), 0, 0);
-  EXPECT_EQ(GetCapturedStdout(), "warning, STOP codon found inside protein: 0 11 6\n");
-  ASSERT_EQ(genome.cod1.size(), 1u);
-  EXPECT_EQ(Letters(genome, genome.cod1)[0], "ATGGGGGGGTAA");
-  ASSERT_EQ(genome.rejected.size(), 1u);
-  EXPECT_EQ(genome.rejected[0].left, 0);
-}
-
-TEST(ExtractCoding, NegativeRightMarginStaysInsideTheSequence) {
-  const VSeq seq = Loaded(
-      "CCC"
-      "ATGAAATAA"
-      "GGG");  // 15 bases
-  Genome genome = DefaultGenome();
-  // R = -3 adds three bases past each stop: inside the sequence for the direct gene at 4..12,
-  // past the end for the one at 7..15 and past the start for the reverse gene at 1..9.
-  genome.ExtractCoding(seq, Genes(seq, "a + 4 12 9 1\nb + 7 15 9 1\nc - 1 9 9 1\n"), 0, -3);
-  ASSERT_EQ(genome.cod1.size(), 1u);
-  EXPECT_EQ(Letters(genome, genome.cod1)[0], "ATGAAATAAGGG");
-  ASSERT_EQ(genome.rejected.size(), 2u);
-  EXPECT_EQ(genome.rejected[0].left, 6);
-  EXPECT_EQ(genome.rejected[1].left, 0);
-}
-
-TEST(ExtractCoding, GeneOnePastTheEndIsTurnedAway) {
-  const VSeq seq = Loaded(std::string(98, 'A'));
-  Genome genome = DefaultGenome();
-  // The gene set admits a last base one past the sequence; the piece comes out short.
-  const GeneSet set = Genes(seq, "a + 1 99 99 1\n");
-  ASSERT_TRUE(set.genes[0].valid);
-  genome.ExtractCoding(seq, set, 0, 0);
-  EXPECT_TRUE(genome.cod1.empty());
-  EXPECT_EQ(genome.rejected.size(), 1u);
-}
-
-TEST(ExtractCoding, SeparateCodSplitsByClass) {
-  const VSeq seq = Loaded(
-      "ATGCCCTAA"
-      "ATGGGGTAA"
-      "ATGTTTTAA");
-  const std::string text = "a + 1 9 9 1\nb + 10 18 9 2\nc + 19 27 9 1\n";
-  Genome together = DefaultGenome();
-  together.ExtractCoding(seq, Genes(seq, text), 0, 0);
-  EXPECT_EQ(together.WriteCoding(), ">cod1\nATGCCCTAA\nATGGGGTAA\nATGTTTTAA\n");
-
-  Genome apart = DefaultGenome();
-  apart.separate_cod = true;
-  apart.ExtractCoding(seq, Genes(seq, text), 0, 0);
-  EXPECT_EQ(apart.WriteCoding(), ">cod1\nATGCCCTAA\nATGTTTTAA\n>cod2\nATGGGGTAA\n");
-
-  // Only class 1 genes: no second block at all.
-  Genome onlyFirst = DefaultGenome();
-  onlyFirst.separate_cod = true;
-  onlyFirst.ExtractCoding(seq, Genes(seq, "a + 1 9 9 1\nc + 19 27 9 1\n"), 0, 0);
-  EXPECT_EQ(onlyFirst.WriteCoding(), ">cod1\nATGCCCTAA\nATGTTTTAA\n");
-
-  EXPECT_EQ(DefaultGenome().WriteCoding(), ">cod1\n");
+TEST(ExtractCoding, MarginsLengthLimitsAndRefusedGenes) {
+  struct Case {
+    std::string bases, genes;
+    int left, right;
+    std::string coding, rejected;
+    bool stops = false;
+    std::uint32_t minCod = 0;
+    bool excludePartial = true;
+    std::string out = "";
+  };
+  const std::string partial = "a + <1 99 99 1\nb - 101 >199 99 1\nc + 201 300 100 1\njunk\n";
+  const Case cases[] = {
+      // L comes off the start end, R off the stop end: at the right for a reverse gene, which is
+      // read backwards and complemented.
+      {kGene99, kBothStrands, 3, 3, "ATG" + A(87) + "TAA\nTTA" + T(87) + "CAT\n", "", true},
+      {kGene99, kBothStrands, 6, 3, A(87) + "TAA\n" + T(87) + "CAT\n", ""},
+      {kGene99, kBothStrands, 3, 6, "ATG" + A(87) + "\nTTA" + T(87) + "\n", ""},
+      // Six bases minus 3 + 3 leave nothing: turned away even with MIN_COD 0.
+      {A(300), "a + 1 6 6 1\n", 3, 3, "", "0-5 "},
+      {A(300), "a + 1 90 90 1\nb + 101 187 87 1\nc + 201 296 96 1\n", 0, 0,
+       A(90) + "\n" + A(96) + "\n", "100-186 ", false, 90},
+      // The limit applies after trimming: 96 - 3 - 3 = 90 is kept, 93 - 6 = 87 is not.
+      {A(300), "a + 1 96 96 1\nb + 101 193 93 1\n", 3, 3, A(90) + "\n", "100-192 ", false, 90},
+      // Every refused record is kept, in gene set order, the unreadable line too.
+      {A(300), partial, 0, 0, "", "<0-98 100-198> 200-299 -1--1 "},
+      {A(300), partial, 0, 0, A(99) + "\n" + T(99) + "\n", "200-299 -1--1 ", false, 0, false},
+      // An in-frame stop turns the gene away (with a warning).
+      {"ATGTAAGGGTAAATGGGGGGGTAA", "a + 1 12 12 1\nb + 13 24 12 1\n", 0, 0, "ATGGGGGGGTAA\n",
+       "0-11 ", true, 0, true, "warning, STOP codon found inside protein: 0 11 6\n"},
+      // A stop followed by one base past the region is still the gene's last codon.
+      {"CCCATGAAATAAGGG", "a + 4 12 9 1\n", 0, -1, "ATGAAATAAG\n", "", true},
+      // R = -3 adds three bases past each stop: inside the sequence for the direct gene at 4..12,
+      // past the end for the one at 7..15 and past the start for the reverse gene at 1..9.
+      {"CCCATGAAATAAGGG", "a + 4 12 9 1\nb + 7 15 9 1\nc - 1 9 9 1\n", 0, -3, "ATGAAATAAGGG\n",
+       "6-14 0-8 "},
+      // A gene one base past the end passes the gene set but comes out short.
+      {A(98), "a + 1 99 99 1\n", 0, 0, "", "0-98 "},
+      {"ACGT", "", 0, 0, "", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.genes + " margins " + std::to_string(c.left) + " " + std::to_string(c.right));
+    const VSeq seq = Loaded(c.bases, c.stops);
+    Genome genome = DefaultGenome();
+    genome.min_cod = c.minCod;
+    genome.exclude_partial = c.excludePartial;
+    testing::internal::CaptureStdout();
+    genome.ExtractCoding(seq, Genes(seq, c.genes), c.left, c.right);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), c.out);
+    EXPECT_EQ(genome.WriteCoding(), ">cod1\n" + c.coding);
+    EXPECT_EQ(Rejected(genome), c.rejected);
+  }
 }
 
 TEST(ExtractNonCoding, MasksTheUnionOfAllSpans) {
-  //                       0         1         2         3
-  //                       0123456789012345678901234567890123456789
-  const VSeq seq = Loaded("AAAAACCCCCGGGGGTTTTTNNAAACCCGGGTTTAACCGG");
-  Genome genome = DefaultGenome();
-  // Overlapping 6..11 and 9..14 mask 6..14; 18..20 and 21..23 touch and leave nothing between;
-  // margins, strands and completeness play no part, nor does validity (30..33 holds 4 bases).
-  const std::string text =
-      "a + 7 12 6 1\nb - 10 15 6 2\nc + 19 21 3 1\nd - 22 24 3 1\ne + <31 >34 4 1\n";
-  genome.ExtractNonCoding(seq, Genes(seq, text));
-  EXPECT_EQ(Letters(genome, genome.non),
-            (std::vector<std::string>{"AAAAAC", "TTT", "ACCCGG", "AACCGG"}));
-  EXPECT_EQ(genome.WriteNonCoding(), "AAAAAC\nTTT\nACCCGG\nAACCGG\n");
-}
-
-TEST(ExtractNonCoding, RunLengthLimitAndWholeSequence) {
-  const VSeq seq = Loaded("ACGTNACGTAAACCCGGGTTT");
-  Genome genome = DefaultGenome();
-  genome.ExtractNonCoding(seq, Genes(seq, ""));
-  EXPECT_EQ(genome.WriteNonCoding(), "ACGTNACGTAAACCCGGGTTT\n");  // N stays a base
-
-  Genome longOnly = DefaultGenome();
-  longOnly.min_non = 5;
-  longOnly.ExtractNonCoding(seq, Genes(seq, "a + 5 7 3 1\nb + 13 18 6 1\n"));
-  EXPECT_EQ(longOnly.WriteNonCoding(), "GTAAA\n");  // ACGT and TTT are too short
-
-  Genome tooLong = DefaultGenome();
-  tooLong.min_non = 22;
-  tooLong.ExtractNonCoding(seq, Genes(seq, ""));
-  EXPECT_EQ(tooLong.WriteNonCoding(), "");
-
-  Genome covered = DefaultGenome();
-  covered.ExtractNonCoding(seq, Genes(seq, "a + 1 21 21 1\n"));
-  EXPECT_TRUE(covered.non.empty());
-}
-
-TEST(ExtractNonCoding, SpansOutsideTheSequenceAreReported) {
-  const VSeq seq = Loaded("ACGTACGTACGT");
-  Genome genome = DefaultGenome();
-  CaptureStderr();
-  // b (9..12, 0-based) ends one past the sequence; the comment line and the left coordinate 0
-  // give no span (skipped silently); a masks 0..2.
-  genome.ExtractNonCoding(seq, Genes(seq, "a + 1 3 3 1\nb + 10 13 3 1\n# comment\nc + 0 5 6 1\n"));
-  EXPECT_EQ(GetCapturedStderr(), "error, if this is printed - error in code\n");
-  EXPECT_EQ(Letters(genome, genome.non), (std::vector<std::string>{"TACGTACGT"}));
-}
-
-TEST(ExtractNonCoding, TwoColumnSpans) {
-  const VSeq seq = Loaded("ACGTACGTACGT");
-  Genome genome = DefaultGenome();
-  CaptureStderr();
-  // "9 4" reads left > right: an empty span, skipped without masking anything. "x 3" reads a
-  // malformed left as -1 - 1 = -2: outside the sequence, reported.
-  genome.ExtractNonCoding(seq, Genes(seq, "2 3\n9 4\nx 3\n", true));
-  EXPECT_EQ(GetCapturedStderr(), "error, if this is printed - error in code\n");
-  EXPECT_EQ(Letters(genome, genome.non), (std::vector<std::string>{"A", "TACGTACGT"}));
+  struct Case {
+    std::string bases, genes;
+    std::string nonCoding;
+    std::uint32_t minNon = 0;
+    bool twoColumn = false;
+    std::string err = "";
+  };
+  const std::string outside = "error, if this is printed - error in code\n";
+  const std::string runs = "ACGTNACGTAAACCCGGGTTT";
+  const Case cases[] = {
+      // Overlapping 6..11 and 9..14 mask 6..14; 18..20 and 21..23 touch and leave nothing
+      // between; margins, strands, completeness and validity (30..33 holds 4 bases) play no part.
+      {"AAAAACCCCCGGGGGTTTTTNNAAACCCGGGTTTAACCGG",
+       "a + 7 12 6 1\nb - 10 15 6 2\nc + 19 21 3 1\nd - 22 24 3 1\ne + <31 >34 4 1\n",
+       "AAAAAC\nTTT\nACCCGG\nAACCGG\n"},
+      {runs, "", runs + "\n"},                               // N stays a base
+      {runs, "a + 5 7 3 1\nb + 13 18 6 1\n", "GTAAA\n", 5},  // ACGT and TTT are too short
+      {runs, "", "", 22},
+      {runs, "a + 1 21 21 1\n", ""},
+      // b ends one past the sequence: reported. The comment and the left coordinate 0 give no
+      // span and are skipped silently.
+      {"ACGTACGTACGT", "a + 1 3 3 1\nb + 10 13 3 1\n# comment\nc + 0 5 6 1\n", "TACGTACGT\n", 0,
+       false, outside},
+      // "9 4" is an empty span; "x 3" reads a malformed left as -2: outside, reported.
+      {"ACGTACGTACGT", "2 3\n9 4\nx 3\n", "A\nTACGTACGT\n", 0, true, outside},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.bases + " / " + c.genes);
+    const VSeq seq = Loaded(c.bases);
+    Genome genome = DefaultGenome();
+    genome.min_non = c.minNon;
+    testing::internal::CaptureStderr();
+    genome.ExtractNonCoding(seq, Genes(seq, c.genes, c.twoColumn));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.err);
+    EXPECT_EQ(genome.WriteNonCoding(), c.nonCoding);
+  }
 }
 
 }  // namespace

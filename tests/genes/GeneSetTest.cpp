@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "TestSupport.h"
-
 namespace genetrain {
 namespace {
 
@@ -101,13 +99,6 @@ TEST(GeneSetTokens, ReadCountTakesPlainDecimalsThatFit) {
   EXPECT_EQ(tokens, (std::vector<std::string_view>{"a", "b", "c"}));
 }
 
-TEST(GeneSetStat, CountsNeighbourPairs) {
-  GeneSet set;
-  const std::string text = "a + 1 99 99 1\nb + 50 151 102 1\nc - 200 299 100 2\n";
-  set.Parse(text.data(), text.data() + text.size());
-  EXPECT_EQ(set.StatText(), "0 1 1 0 0 0 \n");
-}
-
 TEST(GeneSetStat, ReportsDisorderAndMissingStrands) {
   GeneSet set;
   const std::string text =
@@ -120,21 +111,6 @@ TEST(GeneSetStat, ReportsDisorderAndMissingStrands) {
             "9 -1 98 -1 check input data\n"
             "no direction set for gene\n"
             "1 0 1 0 0 1 \n");
-}
-
-TEST(GeneSetLoad, MissingOrBadGeneSetName) {
-  Param param;
-  GeneSet set;
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(set.Load(param));
-  param.Set("--geneset", "no-such.genes");
-  EXPECT_FALSE(set.Load(param));
-  param.Set("--shift_zero", "+1");
-  EXPECT_FALSE(set.LoadShifted(param, true));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "error: missing parameter --geneset\n"
-            "error: file <no-such.genes> is not found\n"
-            "error in value of parameter --shift_zero: +1\n");
 }
 
 }  // namespace

@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstdint>
 #include <iterator>
 #include <random>
 #include <string>
 #include <vector>
-
-#include "TestSupport.h"
 
 namespace genetrain {
 namespace {
@@ -23,23 +22,16 @@ GENE Gene(std::int32_t strand, std::int32_t left, std::int32_t right) {
   return gene;
 }
 
-// both direct, both reverse, stop direct, stop reverse
-struct Counts {
-  int both_direct = 0;
-  int both_reverse = 0;
-  int stop_direct = 0;
-  int stop_reverse = 0;
-  bool operator==(const Counts&) const = default;
-};
+using Counts = std::array<int, 4>;  // both direct, both reverse, stop direct, stop reverse
 
 Counts CountsOf(const Compare& compare) {
   return {compare.match_both_direct, compare.match_both_reverse, compare.match_stop_direct,
           compare.match_stop_reverse};
 }
 
-std::string Show(const Counts& counts) {
-  return std::to_string(counts.both_direct) + " " + std::to_string(counts.both_reverse) + " " +
-         std::to_string(counts.stop_direct) + " " + std::to_string(counts.stop_reverse);
+std::string Show(const Counts& c) {
+  return std::to_string(c[0]) + " " + std::to_string(c[1]) + " " + std::to_string(c[2]) + " " +
+         std::to_string(c[3]);
 }
 
 Counts MatchOf(const std::vector<GENE>& source, const std::vector<GENE>& target) {
@@ -50,69 +42,51 @@ Counts MatchOf(const std::vector<GENE>& source, const std::vector<GENE>& target)
   return CountsOf(compare);
 }
 
-// The matching rule word for word: every source gene scans the target in file order and the
-// first target that decides ends the scan.
+// The matching rule word for word: every source gene scans the target in file order, and the
+// first target on its strand with the same stop end (right if direct, else left) decides.
 Counts LiteralMatch(const std::vector<GENE>& source, const std::vector<GENE>& target) {
-  Counts counts;
+  Counts counts{};
   for (const GENE& s : source) {
+    const bool direct = s.strand == 1;
     for (const GENE& t : target) {
-      if (t.strand != s.strand) continue;
+      if (t.strand != s.strand || (direct ? t.right != s.right : t.left != s.left)) continue;
       const bool both = t.left == s.left && t.right == s.right;
-      if (s.strand == 1) {
-        if (both) {
-          ++counts.both_direct;
-          break;
-        }
-        if (t.right == s.right) {
-          ++counts.stop_direct;
-          break;
-        }
-      } else {
-        if (both) {
-          ++counts.both_reverse;
-          break;
-        }
-        if (t.left == s.left) {
-          ++counts.stop_reverse;
-          break;
-        }
-      }
+      ++counts[(both ? 0 : 2) + (direct ? 0 : 1)];
+      break;
     }
   }
   return counts;
 }
 
-TEST(CompareMatch, FirstTargetWithTheSameStopDecides) {
-  const GENE direct = Gene(1, 0, 98);
-  // A stop-only partner ahead of an exact one makes a stop-only match.
-  EXPECT_EQ(Show(MatchOf({direct}, {Gene(1, 3, 98), Gene(1, 0, 98)})), "0 0 1 0");
-  // The exact one first.
-  EXPECT_EQ(Show(MatchOf({direct}, {Gene(1, 0, 98), Gene(1, 3, 98)})), "1 0 0 0");
-  // Targets that stop elsewhere or lie on the other strand do not decide.
-  EXPECT_EQ(
-      Show(MatchOf({direct}, {Gene(1, 0, 50), Gene(2, 3, 98), Gene(2, 0, 98), Gene(1, 0, 98)})),
-      "1 0 0 0");
-  EXPECT_EQ(Show(MatchOf({direct}, {Gene(1, 0, 50), Gene(2, 0, 98)})), "0 0 0 0");
-
-  const GENE reverse = Gene(2, 499, 699);
-  EXPECT_EQ(Show(MatchOf({reverse}, {Gene(2, 499, 600), Gene(2, 499, 699)})), "0 0 0 1");
-  EXPECT_EQ(Show(MatchOf({reverse}, {Gene(2, 400, 699)})), "0 0 0 0");  // start only
-  EXPECT_EQ(Show(MatchOf({reverse}, {Gene(1, 499, 699), Gene(2, 499, 699)})), "0 1 0 0");
-}
-
-TEST(CompareMatch, RecordsWithoutStrandPairAsReverseGenes) {
-  // Lines that did not parse are default records: they match each other at both ends.
-  EXPECT_EQ(Show(MatchOf({GENE{}, GENE{}}, {Gene(1, -1, -1), GENE{}})), "0 2 0 0");
-  // An unplaced direct record pairs with another one.
-  EXPECT_EQ(Show(MatchOf({Gene(1, -1, -1)}, {GENE{}, Gene(1, -1, -1)})), "1 0 0 0");
-  // Strand 0 stops at the left end, like the reverse strand.
-  EXPECT_EQ(Show(MatchOf({Gene(0, 5, 9)}, {Gene(0, 5, 7)})), "0 0 0 1");
-  EXPECT_EQ(Show(MatchOf({Gene(0, 5, 9)}, {Gene(0, 4, 9)})), "0 0 0 0");
-}
-
-TEST(CompareMatch, TargetServesEverySourceCopy) {
-  const GENE gene = Gene(1, 0, 98);
-  EXPECT_EQ(Show(MatchOf({gene, gene, Gene(1, 6, 98)}, {gene})), "2 0 1 0");
+TEST(CompareMatch, FirstTargetWithTheSameStrandAndStopDecides) {
+  struct Case {
+    std::vector<GENE> source, target;
+    std::string counts;  // both direct, both reverse, stop direct, stop reverse
+  };
+  const GENE direct = Gene(1, 0, 98), reverse = Gene(2, 499, 699), unplaced = Gene(1, -1, -1);
+  const Case cases[] = {
+      // A stop-only partner ahead of an exact one makes a stop-only match, and the other way.
+      {{direct}, {Gene(1, 3, 98), direct}, "0 0 1 0"},
+      {{direct}, {direct, Gene(1, 3, 98)}, "1 0 0 0"},
+      // Targets that stop elsewhere or lie on the other strand do not decide.
+      {{direct}, {Gene(1, 0, 50), Gene(2, 3, 98), Gene(2, 0, 98), direct}, "1 0 0 0"},
+      {{direct}, {Gene(1, 0, 50), Gene(2, 0, 98)}, "0 0 0 0"},
+      {{reverse}, {Gene(2, 499, 600), reverse}, "0 0 0 1"},
+      {{reverse}, {Gene(2, 400, 699)}, "0 0 0 0"},  // start only
+      {{reverse}, {Gene(1, 499, 699), reverse}, "0 1 0 0"},
+      // A target serves every source copy.
+      {{direct, direct, Gene(1, 6, 98)}, {direct}, "2 0 1 0"},
+      // Lines that did not parse are default records: they pair like reverse genes.
+      {{GENE{}, GENE{}}, {unplaced, GENE{}}, "0 2 0 0"},
+      {{unplaced}, {GENE{}, unplaced}, "1 0 0 0"},
+      // Strand 0 stops at the left end, like the reverse strand.
+      {{Gene(0, 5, 9)}, {Gene(0, 5, 7)}, "0 0 0 1"},
+      {{Gene(0, 5, 9)}, {Gene(0, 4, 9)}, "0 0 0 0"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(&c - cases));
+    EXPECT_EQ(Show(MatchOf(c.source, c.target)), c.counts);
+  }
 }
 
 TEST(CompareMatch, CountersStartAtZero) {
@@ -141,14 +115,9 @@ std::int32_t RandomCoordinate(std::mt19937& random, int span) {
 }
 
 std::int32_t RandomStrand(std::mt19937& random) {
-  std::uniform_int_distribution<int> pick(0, 99);
-  const int kind = pick(random);
-  if (kind < 40) return 1;
-  if (kind < 80) return 2;
-  if (kind < 92) return 0;
-  if (kind < 96) return -1;
-  if (kind < 98) return 3;
-  return kind == 98 ? INT32_MIN : 256;
+  constexpr std::int32_t kStrands[] = {1, 2, 0, -1, 3, INT32_MIN, 256};
+  std::discrete_distribution<int> pick({40, 40, 12, 4, 2, 1, 1});
+  return kStrands[pick(random)];
 }
 
 std::vector<GENE> RandomGenes(std::mt19937& random, std::size_t count, int span) {
@@ -189,8 +158,7 @@ TEST(CompareMatch, AgreesWithTheRuleOnRandomSets) {
         trial % 2 == 0 ? RandomGenes(random, size(random), span) : Perturbed(random, source, span);
     const Counts expected = LiteralMatch(source, target);
     ASSERT_EQ(Show(MatchOf(source, target)), Show(expected)) << "trial " << trial;
-    matched +=
-        expected.both_direct + expected.both_reverse + expected.stop_direct + expected.stop_reverse;
+    matched += expected[0] + expected[1] + expected[2] + expected[3];
   }
   EXPECT_GT(matched, 10000);  // the sets did pair up, at both ends and at the stop alone
 }
@@ -224,75 +192,6 @@ TEST(CompareResultText, NoGeneAtAllPrintsZeroWhateverTheFlags) {
   compare.source.genes.assign(1, GENE{});
   EXPECT_EQ(compare.ResultText(1, true, true), "0.0\t0.0");
   EXPECT_EQ(compare.ResultText(1, false, false), "");
-}
-
-struct RunResult {
-  bool ok;
-  std::string out;
-  std::string err;
-};
-
-RunResult RunCompare(Param& param) {
-  Compare compare;
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  const bool ok = compare.Run(param);
-  std::string out = testing::internal::GetCapturedStdout();
-  return {ok, out, testing::internal::GetCapturedStderr()};
-}
-
-TEST(CompareRun, OptionsAreReadInOrderAndTheFirstFaultStops) {
-  test::ScratchDir dir;
-  const std::string genes = dir.Write("genes.txt", "g + 1 99 99 1\n");
-  Param param;
-  param.Set("--compare", "");
-  param.Set("--target", "no_such_file.txt");
-  param.Set("--COMPARE_PRECISION", "-1");
-  RunResult result = RunCompare(param);
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.err, "error: missing parameter --source\n");
-
-  param.Set("--source", genes);
-  result = RunCompare(param);
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.err, "error in value of parameter --COMPARE_PRECISION: -1\n");
-
-  param.Set("--COMPARE_PRECISION", "2");
-  result = RunCompare(param);
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.err, "error: file <no_such_file.txt> is not found\n");
-  EXPECT_EQ(result.out, "");
-
-  param.Set("--target", genes);
-  result = RunCompare(param);
-  EXPECT_TRUE(result.ok);
-  EXPECT_EQ(result.out, "1.00\t1.00\n");
-  EXPECT_EQ(result.err, "");
-}
-
-TEST(CompareRun, WritesTheLineToTheNamedFile) {
-  test::ScratchDir dir;
-  Param param;
-  param.Set("--compare", dir.Path("scores.txt"));
-  param.Set("--source", dir.Write("a.txt", "a + 1 99 99 1\nb - 200 400 201 1\n"));
-  param.Set("--target", dir.Write("b.txt", "a + 4 99 96 1\nb - 200 400 201 1\n"));
-  dir.Write("scores.txt", "older text, longer than the new line\n");
-  const RunResult result = RunCompare(param);
-  EXPECT_TRUE(result.ok);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(test::ReadFile(dir.Path("scores.txt")), "0.5\t1.0\n");
-}
-
-TEST(CompareRun, WarnsOnStandardOutputAboutAnEmptySet) {
-  test::ScratchDir dir;
-  Param param;
-  param.Set("--compare", dir.Path("scores.txt"));
-  param.Set("--source", dir.Write("a.txt", "a + 1 99 99 1\n"));
-  param.Set("--target", dir.Write("b.txt", ""));
-  const RunResult result = RunCompare(param);
-  EXPECT_TRUE(result.ok);
-  EXPECT_EQ(result.out, "warning, gene set in comparision is empty\n");
-  EXPECT_EQ(test::ReadFile(dir.Path("scores.txt")), "0.0\t0.0\n");
 }
 
 }  // namespace

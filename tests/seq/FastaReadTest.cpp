@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TestSupport.h"
@@ -12,78 +13,59 @@
 namespace genetrain {
 namespace {
 
-struct Read {
-  std::vector<std::string> labels;
-  std::vector<std::string> sequences;
-};
+enum class View { kUpper, kKeepCase, kMixed };
 
+// The labels and sequences read from the text, "|" after each.
 template <typename Holder>
-Read ReadWith(const std::string& content) {
+std::pair<std::string, std::string> ReadWith(Holder& holder, const std::string& content) {
   test::ScratchDir dir;
-  Holder holder;
   EXPECT_TRUE(holder.ReadFasta(dir.Write("in.fa", content)));
-  Read read;
+  std::pair<std::string, std::string> read;
   for (const SeqRecord& record : holder.Records()) {
-    read.labels.push_back(record.label);
-    read.sequences.push_back(record.sequence);
+    read.first += record.label + "|";
+    read.second += record.sequence + "|";
   }
   return read;
 }
 
-using Strings = std::vector<std::string>;
-
-TEST(FastaRead, TextWithoutHeaderIsOneRecordWithEmptyLabel) {
-  const Read read = ReadWith<SSeq>("ACGT\n");
-  EXPECT_EQ(read.labels, Strings{""});
-  EXPECT_EQ(read.sequences, Strings{"ACGT"});
-}
-
-TEST(FastaRead, CaseAndUAndOtherLettersInBothViews) {
-  const std::string content = ">r\nacgtu ACGTU\nRYnX bdhkmsvw\n";
-  EXPECT_EQ(ReadWith<SSeq>(content).sequences, Strings{"ACGTTACGTTNNNNNNNNNNNN"});
-  EXPECT_EQ(ReadWith<MSSeq>(content).sequences, Strings{"acgttACGTTNNNNNNNNNNNN"});
-}
-
-TEST(FastaRead, CarriageReturnStaysInTheLabelOnly) {
-  const Read read = ReadWith<SSeq>(">chr1 x\r\nAC\r\nGT\r\n>chr2\r\nTT");
-  EXPECT_EQ(read.labels, (Strings{">chr1 x\r", ">chr2\r"}));
-  EXPECT_EQ(read.sequences, (Strings{"ACGT", "TT"}));
-}
-
-TEST(FastaRead, DigitsBlanksAndPunctuationAreDropped) {
-  const Read read =
-      ReadWith<MSSeq>(std::string(">gb\n     1 acgtac-gta *.\n    61 ggg\xc3\xa9\x01\0tt\n", 42));
-  EXPECT_EQ(read.sequences, Strings{"acgtacgtagggtt"});
-}
-
-TEST(FastaRead, HeaderMarkAnywhereStartsARecord) {
-  const Read read = ReadWith<SSeq>("AC>mid line\nGG\n>\n>last");
-  EXPECT_EQ(read.labels, (Strings{"", ">mid line", ">", ">last"}));
-  EXPECT_EQ(read.sequences, (Strings{"AC", "GG", "", ""}));
-}
-
-TEST(FastaRead, EmptyAndWhiteSpaceOnlyFiles) {
-  EXPECT_TRUE(ReadWith<SSeq>("").labels.empty());
-  const Read blank = ReadWith<SSeq>(" \n\t\r\n\v\f");
-  EXPECT_EQ(blank.labels, Strings{""});
-  EXPECT_EQ(blank.sequences, Strings{""});
-  // White space before a header is skipped, so it makes no record of its own.
-  EXPECT_EQ(ReadWith<SSeq>("\n\n  >a\nAC\n").labels, Strings{">a"});
-}
-
-TEST(FastaRead, MissingFileFailsWithTheLoaderMessage) {
-  SSeq seq;
-  testing::internal::CaptureStderr();
-  EXPECT_FALSE(seq.ReadFasta("no-such-file.fa"));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: file <no-such-file.fa> is not found\n");
-}
-
-TEST(FastaRead, KeepCaseSwitchesTheSingleCaseView) {
-  test::ScratchDir dir;
-  SSeq seq;
-  seq.KeepCase();
-  ASSERT_TRUE(seq.ReadFasta(dir.Write("in.fa", ">a\nacgUn\n")));
-  EXPECT_EQ(seq.Records()[0].sequence, "acgTN");
+TEST(FastaRead, LabelsAndSequencesInEachView) {
+  struct Case {
+    View view;
+    std::string content, labels, sequences;
+  };
+  const std::string letters = ">r\nacgtu ACGTU\nRYnX bdhkmsvw\n";
+  const Case cases[] = {
+      {View::kUpper, "ACGT\n", "|", "ACGT|"},  // no header: one record with an empty label
+      // Case, U and other letters in each view.
+      {View::kUpper, letters, ">r|", "ACGTTACGTTNNNNNNNNNNNN|"},
+      {View::kMixed, letters, ">r|", "acgttACGTTNNNNNNNNNNNN|"},
+      {View::kKeepCase, ">a\nacgUn\n", ">a|", "acgTN|"},
+      // A carriage return stays in the label only.
+      {View::kUpper, ">chr1 x\r\nAC\r\nGT\r\n>chr2\r\nTT", ">chr1 x\r|>chr2\r|", "ACGT|TT|"},
+      // Digits, blanks, punctuation, zero and high bytes are dropped.
+      {View::kMixed, std::string(">gb\n     1 acgtac-gta *.\n    61 ggg\xc3\xa9\x01\0tt\n", 42),
+       ">gb|", "acgtacgtagggtt|"},
+      // A header mark anywhere starts a record.
+      {View::kUpper, "AC>mid line\nGG\n>\n>last", "|>mid line|>|>last|", "AC|GG|||"},
+      {View::kUpper, "", "", ""},
+      {View::kUpper, " \n\t\r\n\v\f", "|", "|"},
+      // White space before a header is skipped, so it makes no record of its own.
+      {View::kUpper, "\n\n  >a\nAC\n", ">a|", "AC|"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.content);
+    std::pair<std::string, std::string> read;
+    if (c.view == View::kMixed) {
+      MSSeq seq;
+      read = ReadWith(seq, c.content);
+    } else {
+      SSeq seq;
+      if (c.view == View::kKeepCase) seq.KeepCase();
+      read = ReadWith(seq, c.content);
+    }
+    EXPECT_EQ(read.first, c.labels);
+    EXPECT_EQ(read.second, c.sequences);
+  }
 }
 
 TEST(FastaScanner, LongLabelAndLongLineAreViewsIntoTheText) {
@@ -141,19 +123,7 @@ TEST(VSeqRead, RecordLoadMakesOneSequencePerRecord) {
   EXPECT_TRUE(blank.records[0].empty());
 }
 
-// Writing and counting.
-
-TEST(SSeqWriteLines, CutsAtTheWidth) {
-  std::string out;
-  SSeq::WriteLines(std::string(130, 'A'), 60, out);
-  EXPECT_EQ(
-      out, std::string(60, 'A') + "\n" + std::string(60, 'A') + "\n" + std::string(10, 'A') + "\n");
-  out.clear();
-  SSeq::WriteLines("ACGT", 0, out);
-  SSeq::WriteLines("", 60, out);
-  SSeq::WriteLines("ACGT", 2, out);
-  EXPECT_EQ(out, "ACGT\nAC\nGT\n");
-}
+// Counting.
 
 TEST(SSeqCount, CountsEveryByteOnShortAndLongRanges) {
   std::string range;
@@ -166,18 +136,6 @@ TEST(SSeqCount, CountsEveryByteOnShortAndLongRanges) {
   std::uint64_t total = 0;
   for (std::uint64_t count : counts) total += count;
   EXPECT_EQ(total, 5003u);
-}
-
-TEST(SSeqCount, GcLeavesOutNAndOtherLetters) {
-  LetterCounts counts{};
-  EXPECT_EQ(SSeq::GcPercent(counts), 0.0);
-  counts['N'] = 100;
-  EXPECT_EQ(SSeq::GcPercent(counts), 0.0);
-  counts['G'] = 3;
-  counts['C'] = 2;
-  counts['A'] = 4;
-  counts['T'] = 1;
-  EXPECT_EQ(SSeq::GcPercent(counts), 50.0);
 }
 
 }  // namespace

@@ -13,9 +13,7 @@
 namespace genetrain {
 namespace {
 
-using test::Outcome;
 using test::Pairs;
-using test::RunCommand;
 
 // Standard output of a command reading one FASTA text, with extra settings.
 std::string Output(bool (MSSeq::*handler)(Param&), const std::string& fasta, Pairs extra = {}) {
@@ -33,47 +31,40 @@ std::string Stretches(const std::string& fasta, const std::string& maximum) {
   return Output(&MSSeq::CountSubstringAtcg, fasta, {{"--max_nnn_substring", maximum}});
 }
 
-// Line ends, digits, blanks and other non-letters are dropped by the reader: they neither break
-// a run of N nor take a position. Every non-base letter is an N, n included.
-TEST(RecordRuns, NonLettersAreInvisibleToRuns) {
-  EXPECT_EQ(Output(&MSSeq::CountSubstringN, ">a\nACNN\nNGTN\n"), ">a< 3 1\n");
-  EXPECT_EQ(Output(&MSSeq::CountSubstringN, ">a\nN\r\n1 n-*.R\r\nyX\r\n\xc3\xa9N\r\nA"), ">a< 6\n");
-  EXPECT_EQ(Output(&MSSeq::CountSubstringN, ">a\nACGTU acgtu\n>b\n\n>c\nN"), ">a<\n>b<\n>c< 1\n");
-  // A header mark ends the run: the rest of the line is the next record's label.
-  EXPECT_EQ(Output(&MSSeq::CountSubstringN, "NN>N\nNA\nNN\n"), "< 2\n>N< 1 2\n");
-  EXPECT_EQ(Stretches(">a\nA C\nG1\nNN NN\nT\n", "3"), "1\t3\t3\t>a\n8\t8\t1\t>a\n");
-}
-
-TEST(RecordRuns, StretchesBetweenLongRuns) {
-  EXPECT_EQ(Stretches(">z\nAANNNCCNGG\n", "2"), "1\t2\t2\t>z\n6\t10\t5\t>z\n");
-  // A run as long as the limit belongs to its stretch; no run at all gives the whole record.
-  EXPECT_EQ(Stretches(">z\nAANNNCC\n", "3"), "1\t7\t7\t>z\n");
-  EXPECT_EQ(Stretches(">z\nacgtACGT\n", "0"), "1\t8\t8\t>z\n");
-  // Leading and trailing separating runs give no empty stretch, nor do neighbouring ones.
-  EXPECT_EQ(Stretches(">e\nNNNACNNNNGTNN\n", "1"), "4\t5\t2\t>e\n10\t11\t2\t>e\n");
-  EXPECT_EQ(Stretches(">e\nNNN\n>f\n\n>g\nNANN\n", "0"), "2\t2\t1\t>g\n");
-  // Without the setting every N separates; a negative limit does the same.
-  EXPECT_EQ(Output(&MSSeq::CountSubstringAtcg, ">d\nANANNA\n"),
-            "1\t1\t1\t>d\n3\t3\t1\t>d\n6\t6\t1\t>d\n");
-  EXPECT_EQ(Stretches(">d\nANANNA\n", "-5"), "1\t1\t1\t>d\n3\t3\t1\t>d\n6\t6\t1\t>d\n");
-  EXPECT_EQ(Stretches("ANA\n", "2147483647"), "1\t3\t3\t\n");
-}
-
-TEST(RecordRuns, StatLinePerRecord) {
-  EXPECT_EQ(Output(&MSSeq::StatFasta, ">x\nACGTNN\n"),
-            ">x\t6\t50\t25\t25\t25\t25\t33\t1\t1\t1\t1\t2\n");
-  // Both cases count; U is T; other letters are N; rounding is half up.
-  EXPECT_EQ(Output(&MSSeq::StatFasta, ">m\r\nacg\r\nUuRY\r\n"),
-            ">m\r\t7\t40\t20\t20\t20\t40\t28\t1\t1\t1\t2\t2\n");
-  EXPECT_EQ(Output(&MSSeq::StatFasta, ">h\nAAAAAAC\n"),
-            ">h\t7\t14\t86\t14\t0\t0\t0\t6\t1\t0\t0\t0\n");
-  EXPECT_EQ(Output(&MSSeq::StatFasta, ">n\nNNnN\n"), ">n\t4\t-\t-\t-\t-\t-\t100\t0\t0\t0\t0\t4\n");
-  // An empty record has no end of line: the next one continues the line.
-  EXPECT_EQ(Output(&MSSeq::StatFasta, ">e\n\n>a\nA\n"),
-            ">e\t0\t>a\t1\t0\t100\t0\t0\t0\t0\t1\t0\t0\t0\t0\n");
-  const std::string longBody(10001, 'G');
-  EXPECT_EQ(Output(&MSSeq::StatFasta, ">g\n" + longBody + "\n"),
-            ">g\t10001\t100\t0\t0\t100\t0\t0\t0\t0\t10001\t0\t0\n");
+TEST(RecordRuns, RunsStretchesAndStatLines) {
+  struct Case {
+    bool (MSSeq::*handler)(Param&);
+    std::string fasta;
+    std::string maximum;  // --max_nnn_substring, if given
+    std::string out;
+  };
+  const auto runs = &MSSeq::CountSubstringN, stretches = &MSSeq::CountSubstringAtcg;
+  const Case cases[] = {
+      // Line ends, digits, blanks and other non-letters are dropped by the reader: they neither
+      // break a run of N nor take a position. Every non-base letter is an N, n included.
+      {runs, ">a\nACNN\nNGTN\n", "", ">a< 3 1\n"},
+      {runs, ">a\nN\r\n1 n-*.R\r\nyX\r\n\xc3\xa9N\r\nA", "", ">a< 6\n"},
+      {runs, ">a\nACGTU acgtu\n>b\n\n>c\nN", "", ">a<\n>b<\n>c< 1\n"},
+      // A header mark ends the run: the rest of the line is the next record's label.
+      {runs, "NN>N\nNA\nNN\n", "", "< 2\n>N< 1 2\n"},
+      {stretches, ">a\nA C\nG1\nNN NN\nT\n", "3", "1\t3\t3\t>a\n8\t8\t1\t>a\n"},
+      // A run as long as the limit belongs to its stretch; no run at all gives the whole record.
+      {stretches, ">z\nAANNNCC\n", "3", "1\t7\t7\t>z\n"},
+      {stretches, ">z\nacgtACGT\n", "0", "1\t8\t8\t>z\n"},
+      // Leading and trailing separating runs give no empty stretch, nor do neighbouring ones.
+      {stretches, ">e\nNNNACNNNNGTNN\n", "1", "4\t5\t2\t>e\n10\t11\t2\t>e\n"},
+      {stretches, ">e\nNNN\n>f\n\n>g\nNANN\n", "0", "2\t2\t1\t>g\n"},
+      // A negative limit lets every N separate.
+      {stretches, ">d\nANANNA\n", "-5", "1\t1\t1\t>d\n3\t3\t1\t>d\n6\t6\t1\t>d\n"},
+      {stretches, "ANA\n", "2147483647", "1\t3\t3\t\n"},
+      {&MSSeq::StatFasta, ">g\n" + std::string(10001, 'G') + "\n", "",
+       ">g\t10001\t100\t0\t0\t100\t0\t0\t0\t0\t10001\t0\t0\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.fasta.substr(0, 40));
+    EXPECT_EQ(c.maximum.empty() ? Output(c.handler, c.fasta) : Stretches(c.fasta, c.maximum),
+              c.out);
+  }
 }
 
 // Random texts with long stretches (for the chunked scans), N runs of any length made of all
@@ -158,21 +149,13 @@ TEST(RecordRuns, StreamingAgreesWithTheRecords) {
   }
 }
 
-TEST(RecordRuns, ReadingFailures) {
+TEST(RecordRuns, SeqIsRequired) {
   for (const auto handler :
        {&MSSeq::StatFasta, &MSSeq::CountSubstringN, &MSSeq::CountSubstringAtcg}) {
-    Outcome run = RunCommand(handler, {});
+    const test::Outcome run = test::RunCommand(handler, {});
     EXPECT_FALSE(run.ok);
     EXPECT_EQ(run.err, "error: missing parameter --seq\n");
-    run = RunCommand(handler, {{"--seq", "/nonexistent/in.fa"}});
-    EXPECT_FALSE(run.ok);
-    EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err, "error: file </nonexistent/in.fa> is not found\n");
   }
-  const Outcome run = RunCommand(&MSSeq::CountSubstringAtcg,
-                                 {{"--seq", "/nonexistent/in.fa"}, {"--max_nnn_substring", "1.5"}});
-  EXPECT_FALSE(run.ok);
-  EXPECT_EQ(run.err, "error in value of parameter --max_nnn_substring: 1.5\n");
 }
 
 // Without a stop codon list only the frame and the margins decide.
@@ -192,106 +175,99 @@ TEST(CleanCoding, FrameAndMargins) {
   EXPECT_TRUE(seq.HasNoStop(""));
 }
 
-struct Coded {
-  std::string out;   // standard output, the input's path shown as "in.fa"
-  std::string kept;  // the output file
-};
+using Settings = std::vector<std::pair<std::string, std::string>>;
 
-Coded Coding(const std::string& fasta, Pairs extra) {
-  test::ScratchDir dir;
-  Param param;
-  const std::string input = dir.Write("in.fa", fasta);
-  param.Set("--seq", input);
-  const std::string output = dir.Path("out.txt");
-  for (const auto& [key, value] : Pairs{{"--CLEAN_CODING", output},
-                                        {"--PRINT_LABEL", "1"},
-                                        {"--MKCHAIN_L_MARGING", "0"},
-                                        {"--MKCHAIN_R_MARGING", "0"},
-                                        {"--MIN_COD", "0"}}) {
-    param.Set(key, value);
-  }
-  for (const auto& [key, value] : extra) param.Set(key, value);
-  MSSeq seq;
-  testing::internal::CaptureStdout();
-  EXPECT_TRUE(seq.CleanCoding(param));
-  Coded coded{testing::internal::GetCapturedStdout(), test::ReadFile(output)};
-  const std::size_t at = coded.out.rfind(input);
-  if (at != std::string::npos) coded.out.replace(at, input.size(), "in.fa");
-  return coded;
-}
-
-TEST(CleanCoding, OnlyListedUpperCaseStopsInFrameCount) {
-  const std::string fasta = ">taa\nAAATAACCC\n>tga\nAAATGACCC\n>tag\nAAATAGCCC\n";
-  Coded coded = Coding(fasta, {});
-  EXPECT_EQ(coded.out, "in.fa records 3 good 3 bad 0 short 0\n");
-  EXPECT_EQ(coded.kept, ">taa\nAAATAACCC\n>tga\nAAATGACCC\n>tag\nAAATAGCCC\n");
-  for (const auto& [key, bad] :
-       {std::pair{"--TAA_", ">taa"}, std::pair{"--TGA_", ">tga"}, std::pair{"--TAG_", ">tag"}}) {
-    coded = Coding(fasta, {{key, "1"}});
-    EXPECT_EQ(coded.out,
-              "error in record " + std::string(bad) + "\nin.fa records 3 good 2 bad 1 short 0\n");
-  }
-  // Lower case is not recognised; U reads as T; stops out of frame or across codons do not
-  // count; the last, partial codon of the region ("TA" here) is no codon; codons are counted
-  // from the left margin.
-  const Pairs all{{"--TAA_", "1"}, {"--TGA_", "1"}, {"--TAG_", "1"}};
-  EXPECT_EQ(Coding(">l\nATGtaaTGa\n", all).out, "in.fa records 1 good 1 bad 0 short 0\n");
-  EXPECT_EQ(Coding(">u\nATGUAGCCC\n", all).out,
-            "error in record >u\nin.fa records 1 good 0 bad 1 short 0\n");
-  EXPECT_EQ(Coding(">o\nATAAGTAGA\n", all).out, "in.fa records 1 good 1 bad 0 short 0\n");
-  EXPECT_EQ(
-      Coding(">p\nCCCCCCCTA\n",
-             Pairs{{"--TAG_", "1"}, {"--MKCHAIN_L_MARGING", "1"}, {"--MKCHAIN_R_MARGING", "0"}})
-          .out,
-      "in.fa records 1 good 1 bad 0 short 0\n");
-  EXPECT_EQ(
-      Coding(">p\nCTAGCCCCC\n",
-             Pairs{{"--TAG_", "1"}, {"--MKCHAIN_L_MARGING", "1"}, {"--MKCHAIN_R_MARGING", "2"}})
-          .out,
-      "error in record >p\nin.fa records 1 good 0 bad 1 short 0\n");
-  // A malformed flag is reported and leaves its codon out.
-  testing::internal::CaptureStderr();
-  coded = Coding(">a\nTAATGA\n", {{"--TAA_", "yes"}, {"--TGA_", "0"}});
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "error in value of parameter --TAA_: yes\nerror in value of parameter --TAA_: yes\n");
-  EXPECT_EQ(coded.out, "in.fa records 1 good 1 bad 0 short 0\n");
-}
-
-TEST(CleanCoding, TrimsMarginsAndCountsShortRecords) {
-  const std::string fasta = ">a\nATGAAATAA\n>b\nATGCCCGGGTAA\n>c\nATGTAA\n>d\n\n";
-  const Pairs margins{{"--MKCHAIN_L_MARGING", "3"}, {"--MKCHAIN_R_MARGING", "3"}};
-  Coded coded = Coding(fasta, margins);
-  // >c has no inner region: bad. >d is empty and its margins cross it: good, and short.
-  EXPECT_EQ(coded.out, "error in record >c\nin.fa records 4 good 3 bad 1 short 1\n");
-  EXPECT_EQ(coded.kept, ">a\nAAA\n>b\nCCCGGG\n");
-  coded = Coding(fasta, {{"--MKCHAIN_L_MARGING", "3"},
-                         {"--MKCHAIN_R_MARGING", "3"},
-                         {"--MIN_COD", "9"},
-                         {"--PRINT_LABEL", "0"}});
-  EXPECT_EQ(coded.out, "error in record >c\nin.fa records 4 good 3 bad 1 short 2\n");
-  EXPECT_EQ(coded.kept, "CCCGGG\n");
-  // Margins beyond a record in frame leave an empty line.
-  coded = Coding(">x\nATGAAATAA\n", {{"--MKCHAIN_L_MARGING", "6"}, {"--MKCHAIN_R_MARGING", "6"}});
-  EXPECT_EQ(coded.out, "in.fa records 1 good 1 bad 0 short 0\n");
-  EXPECT_EQ(coded.kept, ">x\n\n");
-}
-
-TEST(CleanCoding, SettingsAreReadInOrder) {
-  const std::pair<std::string, std::string> settings[] = {
-      {"--seq", "in.fa"},           {"--CLEAN_CODING", "out.txt"}, {"--PRINT_LABEL", "1"},
-      {"--MKCHAIN_L_MARGING", "0"}, {"--MKCHAIN_R_MARGING", "0"},  {"--MIN_COD", "0"}};
-  // Each setting missing in turn, with all the later ones malformed: the missing one is shown.
-  for (std::size_t missing = 0; missing < std::size(settings); ++missing) {
+TEST(CleanCoding, StopsInFrameMarginsAndShortRecords) {
+  struct Case {
+    std::string fasta;
+    Settings extra;
+    std::string out;   // standard output, the input's path shown as "in.fa"
+    std::string kept;  // the output file
+  };
+  const std::string three = ">taa\nAAATAACCC\n>tga\nAAATGACCC\n>tag\nAAATAGCCC\n";
+  const std::string four = ">a\nATGAAATAA\n>b\nATGCCCGGGTAA\n>c\nATGTAA\n>d\n\n";
+  const Settings all{{"--TAA_", "1"}, {"--TGA_", "1"}, {"--TAG_", "1"}};
+  const std::string good1 = "in.fa records 1 good 1 bad 0 short 0\n";
+  const Case cases[] = {
+      // Only the listed stops count.
+      {three, {}, "in.fa records 3 good 3 bad 0 short 0\n", three},
+      {three,
+       {{"--TGA_", "1"}},
+       "error in record >tga\nin.fa records 3 good 2 bad 1 short 0\n",
+       ">taa\nAAATAACCC\n>tag\nAAATAGCCC\n"},
+      {three,
+       {{"--TAG_", "1"}},
+       "error in record >tag\nin.fa records 3 good 2 bad 1 short 0\n",
+       ">taa\nAAATAACCC\n>tga\nAAATGACCC\n"},
+      // Lower case is not recognised; U reads as T; stops out of frame or across codons do not
+      // count; the last, partial codon of the region ("TA" here) is no codon; codons are counted
+      // from the left margin.
+      {">l\nATGtaaTGa\n", all, good1, ">l\nATGtaaTGa\n"},
+      {">u\nATGUAGCCC\n", all, "error in record >u\nin.fa records 1 good 0 bad 1 short 0\n", ""},
+      {">o\nATAAGTAGA\n", all, good1, ">o\nATAAGTAGA\n"},
+      {">p\nCCCCCCCTA\n", {{"--TAG_", "1"}, {"--MKCHAIN_L_MARGING", "1"}}, good1, ">p\nCCCCCCTA\n"},
+      {">p\nCTAGCCCCC\n",
+       {{"--TAG_", "1"}, {"--MKCHAIN_L_MARGING", "1"}, {"--MKCHAIN_R_MARGING", "2"}},
+       "error in record >p\nin.fa records 1 good 0 bad 1 short 0\n",
+       ""},
+      // >c has no inner region: bad. >d is empty and its margins cross it: good, and short.
+      {four,
+       {{"--MKCHAIN_L_MARGING", "3"}, {"--MKCHAIN_R_MARGING", "3"}},
+       "error in record >c\nin.fa records 4 good 3 bad 1 short 1\n",
+       ">a\nAAA\n>b\nCCCGGG\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.fasta);
+    test::ScratchDir dir;
     Param param;
-    for (std::size_t i = 0; i < missing; ++i) param.Set(settings[i].first, settings[i].second);
-    for (std::size_t i = missing + 1; i < std::size(settings); ++i)
-      param.Set(settings[i].first, "x y");
+    const std::string input = dir.Write("in.fa", c.fasta);
+    const std::string output = dir.Path("out.txt");
+    for (const auto& [key, value] : Settings{{"--seq", input},
+                                             {"--CLEAN_CODING", output},
+                                             {"--PRINT_LABEL", "1"},
+                                             {"--MKCHAIN_L_MARGING", "0"},
+                                             {"--MKCHAIN_R_MARGING", "0"},
+                                             {"--MIN_COD", "0"}}) {
+      param.Set(key, value);
+    }
+    for (const auto& [key, value] : c.extra) param.Set(key, value);
+    MSSeq seq;
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(seq.CleanCoding(param));
+    std::string out = testing::internal::GetCapturedStdout();
+    const std::size_t at = out.rfind(input);
+    if (at != std::string::npos) out.replace(at, input.size(), "in.fa");
+    EXPECT_EQ(out, c.out);
+    EXPECT_EQ(test::ReadFile(output), c.kept);
+  }
+}
+
+// Each setting missing in turn, the earlier ones given and the later ones malformed: the
+// missing one is named.
+void ExpectSettingsReadInOrder(bool (MSSeq::*handler)(Param&), const Settings& settings,
+                               const std::string& malformed) {
+  for (std::size_t missing = 0; missing < settings.size(); ++missing) {
+    Param param;
+    for (std::size_t i = 0; i < settings.size(); ++i) {
+      if (i != missing) param.Set(settings[i].first, i < missing ? settings[i].second : malformed);
+    }
     MSSeq seq;
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(seq.CleanCoding(param));
+    EXPECT_FALSE((seq.*handler)(param));
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "error: missing parameter " + settings[missing].first + "\n");
   }
+}
+
+TEST(CleanCoding, SettingsAreReadInOrder) {
+  ExpectSettingsReadInOrder(&MSSeq::CleanCoding,
+                            {{"--seq", "in.fa"},
+                             {"--CLEAN_CODING", "out.txt"},
+                             {"--PRINT_LABEL", "1"},
+                             {"--MKCHAIN_L_MARGING", "0"},
+                             {"--MKCHAIN_R_MARGING", "0"},
+                             {"--MIN_COD", "0"}},
+                            "x y");
 }
 
 TEST(CleanFasta, RenamesAndIndexes) {
@@ -310,20 +286,12 @@ TEST(CleanFasta, RenamesAndIndexes) {
 }
 
 TEST(CleanFasta, SettingsAreReadInOrder) {
-  const char* keys[] = {"--clean_fasta", "--clean_fasta_index", "--clean_fasta_out",
-                        "--clean_fasta_label"};
-  for (std::size_t missing = 0; missing < std::size(keys); ++missing) {
-    Param param;
-    for (std::size_t i = 0; i < std::size(keys); ++i) {
-      if (i < missing) param.Set(keys[i], "name");
-      if (i > missing) param.Set(keys[i], "");
-    }
-    MSSeq seq;
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(seq.CleanFasta(param));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              std::string("error: missing parameter ") + keys[missing] + "\n");
-  }
+  ExpectSettingsReadInOrder(&MSSeq::CleanFasta,
+                            {{"--clean_fasta", "name"},
+                             {"--clean_fasta_index", "name"},
+                             {"--clean_fasta_out", "name"},
+                             {"--clean_fasta_label", "name"}},
+                            "");
 }
 
 }  // namespace

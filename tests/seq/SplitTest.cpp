@@ -15,60 +15,55 @@ namespace {
 using Piece = std::pair<std::string, std::string>;  // label, sequence
 using Pieces = std::vector<Piece>;
 
-Pieces Cut(const std::string& sequence, std::int32_t maxRun, std::int32_t margin,
-           const std::string& label = ">r") {
-  Pieces pieces;
-  for (const SeqRecord& piece : SSeq::SplitAtN({label, sequence}, maxRun, margin)) {
-    pieces.emplace_back(piece.label, piece.sequence);
+TEST(SplitAtN, CutsAtLongRunsKeepingTheMargin) {
+  struct Case {
+    std::string sequence;
+    std::int32_t maxRun, margin;
+    Pieces pieces;
+    std::string label = ">r";
+  };
+  const Case cases[] = {
+      // An inner run longer than the maximum is cut, keeping the margin on each side.
+      {"ACGTNNNNNNNNACGT", 5, 2, {{">r ; 0", "ACGTNN"}, {">r ; 10", "NNACGT"}}},
+      {"ACGTNNNNNNNNACGT", 5, 0, {{">r ; 0", "ACGT"}, {">r ; 12", "ACGT"}}},
+      {"AANNNNNNCCNNGGNNNNNNNTT",
+       3,
+       1,
+       {{">r ; 0", "AAN"}, {">r ; 7", "NCCNNGGN"}, {">r ; 20", "NTT"}}},
+      // A run exactly at the maximum stays, one more cuts; 0 or less cuts at every N.
+      {"ACGTNNNNNACGT", 5, 2, {{">r ; 0", "ACGTNNNNNACGT"}}},
+      {"ACGTNNNNNNACGT", 5, 2, {{">r ; 0", "ACGTNN"}, {">r ; 8", "NNACGT"}}},
+      {"ANC", 0, 0, {{">r ; 0", "A"}, {">r ; 2", "C"}}},
+      {"ANC", -4, 0, {{">r ; 0", "A"}, {">r ; 2", "C"}}},
+      // Leading and trailing runs shrink to the margin whatever their length.
+      {"NNNNNACGTNNNNNNN", 100, 2, {{">r ; 3", "NNACGTNN"}}},
+      {"NNNNNACGTNNNNNNN", 100, 0, {{">r ; 5", "ACGT"}}},
+      {"NACGTN", 100, 0, {{">r ; 1", "ACGT"}}},
+      {"A", 1, 0, {{">r ; 0", "A"}}},
+      // Margins larger than runs stop at the sequence ends; an inner margin wider than the run
+      // reaches into the letters beyond it, so the pieces overlap.
+      {"NNNACGTNN", 1, 10, {{">r ; 0", "NNNACGTNN"}}},
+      {"AAAANNNNNNCCCC", 1, 8, {{">r ; 0", "AAAANNNNNNCC"}, {">r ; 2", "AANNNNNNCCCC"}}},
+      {"ANNT", 1, 5, {{">r ; 0", "ANNT"}, {">r ; 0", "ANNT"}}},
+      {"ANNT", 1, 2147483647, {{">r ; 0", "ANNT"}, {">r ; 0", "ANNT"}}},
+      {"NNACGTNNNNNNACGTNN", 3, -2, {{">r ; 2", "ACGT"}, {">r ; 12", "ACGT"}}},
+      // Nothing but N gives no piece.
+      {"", 5, 2, {}},
+      {"N", 5, 2, {}},
+      {std::string(1000, 'N'), 5, 2, {}},
+      // The label is kept as it is, with the offset appended.
+      {"NAC", 5, 0, {{">chr1 x\r ; 1", "AC"}}, ">chr1 x\r"},
+      {"NAC", 5, 0, {{" ; 1", "AC"}}, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.sequence.substr(0, 30) + " " + std::to_string(c.maxRun) + " " +
+                 std::to_string(c.margin));
+    Pieces pieces;
+    for (const SeqRecord& piece : SSeq::SplitAtN({c.label, c.sequence}, c.maxRun, c.margin)) {
+      pieces.emplace_back(piece.label, piece.sequence);
+    }
+    EXPECT_EQ(pieces, c.pieces);
   }
-  return pieces;
-}
-
-TEST(SplitAtN, InnerRunLongerThanMaximumIsCutKeepingMarginOnEachSide) {
-  EXPECT_EQ(Cut("ACGTNNNNNNNNACGT", 5, 2), (Pieces{{">r ; 0", "ACGTNN"}, {">r ; 10", "NNACGT"}}));
-  EXPECT_EQ(Cut("ACGTNNNNNNNNACGT", 5, 0), (Pieces{{">r ; 0", "ACGT"}, {">r ; 12", "ACGT"}}));
-  // Every long run cuts, short ones stay inside their piece.
-  EXPECT_EQ(Cut("AANNNNNNCCNNGGNNNNNNNTT", 3, 1),
-            (Pieces{{">r ; 0", "AAN"}, {">r ; 7", "NCCNNGGN"}, {">r ; 20", "NTT"}}));
-}
-
-TEST(SplitAtN, RunExactlyAtTheMaximumStaysButOneMoreCuts) {
-  EXPECT_EQ(Cut("ACGTNNNNNACGT", 5, 2), (Pieces{{">r ; 0", "ACGTNNNNNACGT"}}));
-  EXPECT_EQ(Cut("ACGTNNNNNNACGT", 5, 2), (Pieces{{">r ; 0", "ACGTNN"}, {">r ; 8", "NNACGT"}}));
-  // A maximum of 0 or less cuts at every single N.
-  EXPECT_EQ(Cut("ANC", 0, 0), (Pieces{{">r ; 0", "A"}, {">r ; 2", "C"}}));
-  EXPECT_EQ(Cut("ANC", -4, 0), (Pieces{{">r ; 0", "A"}, {">r ; 2", "C"}}));
-}
-
-TEST(SplitAtN, LeadingAndTrailingRunsShrinkToTheMarginWhateverTheirLength) {
-  EXPECT_EQ(Cut("NNNNNACGTNNNNNNN", 100, 2), (Pieces{{">r ; 3", "NNACGTNN"}}));
-  EXPECT_EQ(Cut("NNNNNACGTNNNNNNN", 100, 0), (Pieces{{">r ; 5", "ACGT"}}));
-  EXPECT_EQ(Cut("NACGTN", 100, 0), (Pieces{{">r ; 1", "ACGT"}}));
-  EXPECT_EQ(Cut("A", 1, 0), (Pieces{{">r ; 0", "A"}}));
-}
-
-TEST(SplitAtN, MarginsLargerThanRunsStopAtTheSequenceEnds) {
-  EXPECT_EQ(Cut("NNNACGTNN", 1, 10), (Pieces{{">r ; 0", "NNNACGTNN"}}));
-  // An inner margin wider than the run reaches into the letters beyond it: the pieces overlap.
-  EXPECT_EQ(Cut("AAAANNNNNNCCCC", 1, 8),
-            (Pieces{{">r ; 0", "AAAANNNNNNCC"}, {">r ; 2", "AANNNNNNCCCC"}}));
-  EXPECT_EQ(Cut("ANNT", 1, 5), (Pieces{{">r ; 0", "ANNT"}, {">r ; 0", "ANNT"}}));
-  EXPECT_EQ(Cut("ANNT", 1, 2147483647), (Pieces{{">r ; 0", "ANNT"}, {">r ; 0", "ANNT"}}));
-}
-
-TEST(SplitAtN, NegativeMarginKeepsNoN) {
-  EXPECT_EQ(Cut("NNACGTNNNNNNACGTNN", 3, -2), (Pieces{{">r ; 2", "ACGT"}, {">r ; 12", "ACGT"}}));
-}
-
-TEST(SplitAtN, NothingButNGivesNoPiece) {
-  EXPECT_TRUE(Cut("", 5, 2).empty());
-  EXPECT_TRUE(Cut("N", 5, 2).empty());
-  EXPECT_TRUE(Cut(std::string(1000, 'N'), 5, 2).empty());
-}
-
-TEST(SplitAtN, LabelIsKeptAsItIsWithTheOffsetAppended) {
-  EXPECT_EQ(Cut("NAC", 5, 0, ">chr1 x\r"), (Pieces{{">chr1 x\r ; 1", "AC"}}));
-  EXPECT_EQ(Cut("NAC", 5, 0, ""), (Pieces{{" ; 1", "AC"}}));
 }
 
 // 200 000 cuts in a 2 MB record: copying the rest of the record at each cut would not finish.
@@ -111,7 +106,6 @@ struct SplitRun {
     ok = seq.Split(param);
     err = testing::internal::GetCapturedStderr();
   }
-  bool Has(int k) const { return std::filesystem::exists(dir.Path("out_" + std::to_string(k))); }
   std::string File(int k) const { return test::ReadFile(dir.Path("out_" + std::to_string(k))); }
   std::size_t FileCount() const {
     const auto folder = std::filesystem::path(dir.Path("in.fa")).parent_path();
@@ -121,17 +115,11 @@ struct SplitRun {
   }
 };
 
-TEST(Split, NegativePieceLengthLineWidthAndMarginAreRefused) {
-  for (const std::string_view key : {"--SPLIT_SIZE", "--letters_per_line", "--nnn_margin"}) {
-    const SplitRun run(">r\nACGT\n", {{key, "-1"}});
-    EXPECT_FALSE(run.ok) << key;
-    EXPECT_EQ(run.err, "error in value of parameter " + std::string(key) + ": -1\n");
-    EXPECT_EQ(run.FileCount(), 0u) << key;
-  }
-  // A value clamped to the signed range is still negative.
+TEST(Split, ValueClampedToTheSignedRangeIsStillNegative) {
   const SplitRun huge(">r\nACGT\n", {{"--SPLIT_SIZE", "-99999999999"}});
   EXPECT_FALSE(huge.ok);
   EXPECT_EQ(huge.err, "error in value of parameter --SPLIT_SIZE: -99999999999\n");
+  EXPECT_EQ(huge.FileCount(), 0u);
 }
 
 TEST(Split, NegativeMinimumSkipsEveryRecordButNoPiece) {
@@ -176,20 +164,9 @@ TEST(Split, SoftMaskedRunCountRestartsInEachPieceAndAtEveryOtherLetter) {
     const std::string masked(length, 'N');
     EXPECT_EQ(apart.File(1), ">c\n" + masked + capitals + masked + "\n") << length;
   }
-}
-
-TEST(Split, WithoutSoftLowerCaseIsReadAsCapitals) {
-  const SplitRun run(">a\n" + std::string(1200, 'a') + "\n", {});
-  EXPECT_EQ(run.File(1), ">a\n" + std::string(1200, 'A') + "\n");
-}
-
-TEST(Split, PiecesOfOneLetterAreNumberedOnAcrossRecords) {
-  const SplitRun run(">a\nACG\n>b\n\n>c\nT\n", {{"--SPLIT_SIZE", "1"}, {"--NO_LABEL", "1"}});
-  EXPECT_TRUE(run.ok);
-  // The label line is ">" and the file's own name.
-  EXPECT_EQ(run.File(3), run.dir.Path("out_3").insert(0, 1, '>') + "\nG\n");
-  EXPECT_EQ(run.File(4), run.dir.Path("out_4").insert(0, 1, '>') + "\nT\n");
-  EXPECT_EQ(run.FileCount(), 4u);
+  // Without --soft lower case is read as capitals, however long the run.
+  const SplitRun plain(">a\n" + std::string(1200, 'a') + "\n", {});
+  EXPECT_EQ(plain.File(1), ">a\n" + std::string(1200, 'A') + "\n");
 }
 
 }  // namespace
