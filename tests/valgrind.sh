@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Runs every golden command-line case of tests/cli/ under valgrind memcheck and fails on any
-# memory error or definitely lost block, or on a case whose output differs under valgrind.
+# Runs every golden command-line case of tests/cli/ and every command of the bad-input matrix
+# (tests/bad_matrix/) under valgrind memcheck and fails on any memory error or definitely lost
+# block, or on a case whose output differs under valgrind.
 #   valgrind.sh BUILD_DIR [CASE_NAME_REGEX]
 # Set GENETRAIN_VALGRIND_ALL=1 to include the slow cases skipped by default;
 # GENETRAIN_VALGRIND_JOBS sets the number of cases run at once (default: number of CPUs).
@@ -54,10 +55,21 @@ for dir in "$here"/cli/*/; do
   fi
 done
 
+# The bad-input matrix too, one command (all its variants) per entry.
+for transcript in "$here"/bad_matrix/expected/*.txt; do
+  name=matrix_$(basename "$transcript" .txt)
+  [[ $name =~ $filter ]] && cases+=("$name")
+done
+
 run_one() {
   local name=$1
-  GENETRAIN_CASE=$name bash "$here/cli/run_case.sh" "$wrapper" "$here/cli/$name" \
-    "$scratch/cases/$name" > "$scratch/results/$name" 2>&1
+  if [[ $name == matrix_* ]]; then
+    GENETRAIN_CASE=$name bash "$here/bad_matrix/run.sh" "$wrapper" "${name#matrix_}" \
+      "$scratch/cases/$name" > "$scratch/results/$name" 2>&1
+  else
+    GENETRAIN_CASE=$name bash "$here/cli/run_case.sh" "$wrapper" "$here/cli/$name" \
+      "$scratch/cases/$name" > "$scratch/results/$name" 2>&1
+  fi
   echo $? >> "$scratch/results/$name.status"
 }
 export -f run_one
