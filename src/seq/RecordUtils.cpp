@@ -7,10 +7,9 @@
 
 #include "seq/MSSeq.h"
 
-#include "common/FileBuf.h"
 #include "common/Format.h"
 #include "common/Output.h"
-#include "seq/FastaScanner.h"
+#include "seq/FastaBlocks.h"
 #include "seq/LetterChunks.h"
 
 namespace genetrain {
@@ -32,11 +31,73 @@ struct CodingCounts {
   std::uint64_t records = 0, good = 0, bad = 0, shorter = 0;
 };
 
+// Renames the records as they stream past: the output gets each new header and the letters,
+// the index a line of new and old label per record. The output file is opened with the first
+// record (or at the end, for a file without any), so that an input that cannot be read at all
+// leaves no output behind.
+class RenamingSink {
+ public:
+  RenamingSink(const std::string& output, const std::string& prefix)
+      : output_(output), prefix_(prefix) {}
+  ~RenamingSink() {
+    if (fasta_ != nullptr) std::fclose(fasta_);
+  }
+  RenamingSink(const RenamingSink&) = delete;
+  RenamingSink& operator=(const RenamingSink&) = delete;
+
+  void Begin() {
+    Open();
+    header_.clear();
+    header_.push_back('>');
+    header_.append(prefix_).push_back('.');
+    AppendInteger(header_, records_++);
+    names_.append(header_).push_back('\t');
+    header_.push_back('\n');
+    Write(header_);
+  }
+  void Label(std::string_view piece) { names_.append(piece); }
+  void Body(std::string_view piece) {
+    if (fasta_ == nullptr) return;
+    LetterChunks chunks(piece, CasePreservingLetterTable(), buffer_);
+    std::string_view letters;
+    while (chunks.Next(letters)) Write(letters);
+  }
+  void End() {
+    names_.push_back('\n');
+    Write("\n\n");
+  }
+
+  // Closes the output (made now when the input held no record) and hands over the index.
+  std::string Finish() {
+    Open();
+    if (fasta_ != nullptr) std::fclose(fasta_);
+    fasta_ = nullptr;
+    return std::move(names_);
+  }
+
+ private:
+  void Open() {
+    if (opened_) return;
+    opened_ = true;
+    fasta_ = std::fopen(output_.c_str(), "wb");
+    if (fasta_ != nullptr) std::setvbuf(fasta_, nullptr, _IOFBF, kOutputBuffer);
+  }
+  void Write(std::string_view bytes) {
+    if (fasta_ != nullptr) std::fwrite(bytes.data(), 1, bytes.size(), fasta_);
+  }
+
+  const std::string& output_;
+  const std::string& prefix_;
+  std::FILE* fasta_ = nullptr;
+  bool opened_ = false;
+  std::size_t records_ = 0;
+  std::string header_, names_, buffer_;
+};
+
 }  // namespace
 
-// The records are renamed and written straight from the loaded file, their letters piece by
-// piece, so that no record is copied whole; only the index, a short line per record, is gathered
-// and written after them.
+// The input is read block by block, so memory stays small whatever its size; the index, a
+// short line per record, is gathered and written after the records.
 bool MSSeq::CleanFasta(Param& param) {
   std::string input, index, output, prefix;
   if (!param.GetWord(input, "--clean_fasta") || !param.GetWord(index, "--clean_fasta_index") ||
@@ -44,31 +105,9 @@ bool MSSeq::CleanFasta(Param& param) {
       !param.GetWord(prefix, "--clean_fasta_label")) {
     return false;
   }
-  FileBuf file;
-  if (!file.Load(input.c_str())) return false;
-  std::FILE* fasta = std::fopen(output.c_str(), "wb");
-  if (fasta != nullptr) std::setvbuf(fasta, nullptr, _IOFBF, kOutputBuffer);
-  std::string names;
-  std::string header;
-  std::string buffer;
-  FastaScanner scanner(file.View());
-  FastaSpan span;
-  for (std::size_t i = 0; scanner.Next(span); ++i) {
-    header.clear();
-    header.push_back('>');
-    header.append(prefix).push_back('.');
-    AppendInteger(header, i);
-    names.append(header).append("\t").append(span.label).push_back('\n');
-    if (fasta == nullptr) continue;
-    header.push_back('\n');
-    std::fwrite(header.data(), 1, header.size(), fasta);
-    LetterChunks chunks(span.body, CasePreservingLetterTable(), buffer);
-    std::string_view letters;
-    while (chunks.Next(letters)) std::fwrite(letters.data(), 1, letters.size(), fasta);
-    std::fwrite("\n\n", 1, 2, fasta);
-  }
-  if (fasta != nullptr) std::fclose(fasta);
-  WriteFile(index, names);
+  RenamingSink sink(output, prefix);
+  if (!ReadFastaBlocks(input, kFastaBlockSize, sink)) return false;
+  WriteFile(index, sink.Finish());
   return true;
 }
 
