@@ -18,7 +18,8 @@ void WriteStdout(std::string_view text);
 // Writes the text to the named file, truncating it or appending to it. The commands do not
 // check their outputs: a file that cannot be opened loses the text, and false says so.
 bool WriteFile(const std::string& name, std::string_view text, bool append = false);
-// The same for a text in parts, written one after the other without joining them first.
+// Creates or truncates the named file and writes the parts one after the other, without
+// joining them first; false when the file cannot be opened or written whole.
 bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts);
 
 }  // namespace genetrain

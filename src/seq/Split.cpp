@@ -8,8 +8,8 @@
 #include "common/FileBuf.h"
 #include "common/Format.h"
 #include "common/Message.h"
+#include "common/Output.h"
 #include "seq/FastaScanner.h"
-#include "seq/GatheredWrite.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
@@ -100,12 +100,12 @@ void WritePart(const std::string& name, std::string_view label, std::string& seq
   if (options.soft) ConvertSoftMasked(sequence.data() + begin, sequence.data() + end);
   const std::string_view part = std::string_view(sequence).substr(begin, end - begin);
   if (options.lineWidth == 0) {
-    WriteGathered(name, {label, "\n", part, part.empty() ? "" : "\n"});
+    WriteFile(name, {label, "\n", part, part.empty() ? "" : "\n"});
     return;
   }
   text.clear();
   SSeq::WriteLines(part, static_cast<std::uint32_t>(options.lineWidth), text);
-  WriteGathered(name, {label, "\n", text});
+  WriteFile(name, {label, "\n", text});
 }
 
 // The whole record in one file; a record shorter than the minimum (compared unsigned, so a
