@@ -82,6 +82,7 @@ seed_case() {
     fi
     if [ "$(head -c 2 "$file" | od -An -tx1 | tr -d ' \n')" = 1f8b ]; then
       { printf '\7'; cat "$file"; } > "$staging" && put gzip_input
+      { printf '\7'; cat "$file"; } > "$staging" && put fasta_blocks
     fi
     if grep -q -a -e PHMM -e NONC "$file"; then
       cp "$file" "$staging" && put model_file
