@@ -1,12 +1,17 @@
 #include "common/Output.h"
 
 #include <fcntl.h>
-#include <sys/uio.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <vector>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "common/Message.h"
+#include "common/PendingFiles.h"
 
 namespace genetrain {
 
@@ -22,57 +27,292 @@ void WriteStdout(std::string_view text) {
   WriteAll(stdout, text);
 }
 
-bool WriteFile(const std::string& name, std::string_view text, bool append) {
-  std::FILE* file = std::fopen(name.c_str(), append ? "ab" : "wb");
-  if (file == nullptr) return false;
-  WriteAll(file, text);
-  std::fclose(file);
-  return true;
-}
-
 namespace {
 
-// The most vectors one gathering write takes on Linux.
-constexpr int kMaxVectors = 1024;
+// Small pieces are gathered up to this size; a piece of a quarter of it or more goes straight
+// out, which spares the copy for the 1 MB slices of the streaming commands.
+constexpr std::size_t kBuffer = std::size_t{1} << 20;
+constexpr std::size_t kStraight = kBuffer / 4;
+// The kernel takes at most about 2 GB per write.
+constexpr std::size_t kMaxWrite = std::size_t{1} << 30;
 
-// Drops the first `done` bytes from the vectors, whole ones first.
-void Advance(iovec*& vec, int& count, std::size_t done) {
-  while (count > 0 && done >= vec->iov_len) {
-    done -= vec->iov_len;
-    ++vec;
-    --count;
-  }
-  if (count > 0) {
-    vec->iov_base = static_cast<char*>(vec->iov_base) + done;
-    vec->iov_len -= done;
+bool StartsWith(std::string_view text, std::string_view prefix) {
+  return text.substr(0, prefix.size()) == prefix;
+}
+
+// Names under /dev and /proc stand for streams (/dev/stdout, /dev/fd/3, /proc/self/fd/1) even
+// where they resolve to a regular file: that file belongs to whoever opened the stream.
+bool IsStreamName(std::string_view name) {
+  return StartsWith(name, "/dev/") || StartsWith(name, "/proc/");
+}
+
+// The file a symbolic link leads to, so that the link stays a link; empty when it leads nowhere.
+std::string Resolved(const std::string& name) {
+  char* real = ::realpath(name.c_str(), nullptr);
+  if (real == nullptr) return {};
+  std::string path(real);
+  std::free(real);
+  return path;
+}
+
+// Write permission as the system grants it, and none for a file that nobody may write: the
+// superuser passes every permission check, but replacing a file marked read-only would still
+// surprise its owner.
+int WriteDenied(const std::string& path, const struct stat& status) {
+  if (::access(path.c_str(), W_OK) != 0) return errno;
+  if ((status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) return EACCES;
+  return 0;
+}
+
+// The replacement takes over the old file's permissions, and its owner where the process may
+// set that (as the superuser, writing another user's file).
+void CopyOwnership(int fd, const struct stat& status) {
+  ::fchmod(fd, status.st_mode & 07777);
+  if (::geteuid() == 0 && (status.st_uid != 0 || status.st_gid != ::getegid())) {
+    [[maybe_unused]] const int ignored = ::fchown(fd, status.st_uid, status.st_gid);
   }
 }
 
 }  // namespace
 
-// One open, one gathering write (more only past the kernel's 2 GB per request) and one close:
-// no stream buffer and no status query, for commands that write thousands of files.
-bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts) {
-  std::vector<iovec> vectors;
-  vectors.reserve(parts.size());
-  for (const std::string_view part : parts) {
-    if (!part.empty()) vectors.push_back({const_cast<char*>(part.data()), part.size()});
+OutputFile::~OutputFile() {
+  Discard();
+}
+
+bool OutputFile::Open(const std::string& name, OutputMode mode, OpenFailure failure) {
+  Discard();
+  name_ = name;
+  target_ = name;
+  error_ = 0;
+  // A quiet open leaves its failure to the caller's message; later ones are reported as usual.
+  reported_ = failure == OpenFailure::kQuiet;
+  const bool opened = OpenTarget(mode);
+  if (opened) reported_ = false;
+  return opened;
+}
+
+namespace {
+
+// Where a replaced output goes and whether through a temporary file.
+struct Target {
+  std::string path;  // links resolved
+  bool direct = false;
+  bool exists = false;
+  struct stat status {};
+  int error = 0;  // the target cannot be examined
+};
+
+Target Examine(const std::string& name) {
+  Target target;
+  target.path = name;
+  target.direct = IsStreamName(name);
+  if (!target.direct && ::lstat(name.c_str(), &target.status) == 0 &&
+      S_ISLNK(target.status.st_mode)) {
+    target.path = Resolved(name);
+    // A dangling link is written through, which creates the file it names.
+    target.direct = target.path.empty() || IsStreamName(target.path);
+    if (target.direct) target.path = name;
   }
-  const int file = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (file < 0) return false;
-  iovec* next = vectors.data();
-  int count = static_cast<int>(vectors.size());
-  bool written = true;
-  while (count > 0) {
-    const ssize_t done = ::writev(file, next, std::min(count, kMaxVectors));
-    if (done < 0 && errno == EINTR) continue;
-    if (done <= 0) {
-      written = false;
-      break;
+  target.exists = ::stat(target.path.c_str(), &target.status) == 0;
+  if (!target.exists && errno != ENOENT) target.error = errno;
+  if (target.exists && !S_ISREG(target.status.st_mode)) target.direct = true;
+  return target;
+}
+
+}  // namespace
+
+bool OutputFile::ReplacesWhole(const std::string& name) {
+  return !name.empty() && !Examine(name).direct;
+}
+
+bool OutputFile::OpenTarget(OutputMode mode) {
+  if (name_.empty()) {
+    kind_ = Kind::kStdout;
+    return true;
+  }
+  const Target target = Examine(name_);
+  if (target.error != 0) return Fail(target.error);
+  target_ = target.path;
+  if (target.exists && S_ISREG(target.status.st_mode)) {
+    if (const int denied = WriteDenied(target_, target.status); denied != 0) return Fail(denied);
+  }
+  if (mode == OutputMode::kAppend) {
+    if (!OpenDirect(target_, O_WRONLY | O_CREAT | O_APPEND)) return false;
+    kind_ = Kind::kAppend;
+    return true;
+  }
+  if (target.direct) {
+    if (!OpenDirect(target_, O_WRONLY | O_CREAT | O_TRUNC)) return false;
+    kind_ = Kind::kDirect;
+    return true;
+  }
+  if (!OpenTemporary(target_)) return false;
+  if (target.exists) CopyOwnership(fd_, target.status);
+  kind_ = Kind::kTemporary;
+  return true;
+}
+
+bool OutputFile::OpenDirect(const std::string& target, int flags) {
+  do {
+    fd_ = ::open(target.c_str(), flags | O_CLOEXEC, 0666);
+  } while (fd_ < 0 && errno == EINTR);
+  return fd_ >= 0 || Fail(errno);
+}
+
+// The temporary file is created, not opened: O_EXCL keeps a name someone else holds, and the
+// mode 0666 lets the process's umask set a new file's permissions as for the target itself.
+bool OutputFile::OpenTemporary(const std::string& target) {
+  const std::size_t slash = target.rfind('/');
+  const std::string folder = slash == std::string::npos ? "" : target.substr(0, slash + 1);
+  // Room for the suffix within the 255 bytes of a file name.
+  const std::string base = target.substr(slash == std::string::npos ? 0 : slash + 1, 200);
+  static unsigned counter = 0;
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    temporary_ = folder + "." + base + "." + std::to_string(::getpid()) + "." +
+                 std::to_string(counter++) + ".tmp";
+    fd_ = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd_ >= 0) {
+      pendingSlot_ = HoldPending(temporary_);
+      return true;
     }
-    Advance(next, count, static_cast<std::size_t>(done));
+    if (errno != EEXIST && errno != EINTR) break;
   }
-  return ::close(file) == 0 && written;
+  temporary_.clear();
+  return Fail(errno);
+}
+
+void OutputFile::Write(std::string_view bytes) {
+  if (error_ != 0 || bytes.empty()) return;
+  switch (kind_) {
+    case Kind::kClosed:
+      return;
+    case Kind::kStdout:
+      WriteAll(stdout, bytes);
+      return;
+    case Kind::kAppend:
+      buffer_.append(bytes);
+      return;
+    case Kind::kDirect:
+    case Kind::kTemporary:
+      break;
+  }
+  if (bytes.size() >= kStraight) {
+    Flush();
+    WriteOut(bytes);
+    return;
+  }
+  if (buffer_.size() + bytes.size() > kBuffer) Flush();
+  buffer_.append(bytes);
+}
+
+void OutputFile::Flush() {
+  WriteOut(buffer_);
+  buffer_.clear();
+}
+
+void OutputFile::WriteOut(std::string_view bytes) {
+  while (!bytes.empty() && error_ == 0) {
+    const ssize_t done = ::write(fd_, bytes.data(), std::min(bytes.size(), kMaxWrite));
+    if (done < 0 && errno == EINTR) continue;
+    if (done < 0) {
+      Fail(errno);
+    } else if (done == 0) {
+      Fail(ENOSPC);
+    } else {
+      bytes.remove_prefix(static_cast<std::size_t>(done));
+    }
+  }
+}
+
+// Whatever part of the addition got in before a failure is cut off again.
+bool OutputFile::AppendPending() {
+  struct stat status {};
+  const bool regular = ::fstat(fd_, &status) == 0 && S_ISREG(status.st_mode);
+  WriteOut(buffer_);
+  buffer_.clear();
+  if (error_ != 0 && regular) {
+    [[maybe_unused]] const int ignored = ::ftruncate(fd_, status.st_size);
+  }
+  return error_ == 0;
+}
+
+bool OutputFile::Commit() {
+  switch (kind_) {
+    case Kind::kClosed:
+      break;
+    case Kind::kStdout:
+      kind_ = Kind::kClosed;
+      return true;
+    case Kind::kAppend:
+      if (error_ == 0) AppendPending();
+      Close();
+      break;
+    case Kind::kDirect:
+      if (error_ == 0) Flush();
+      Close();
+      break;
+    case Kind::kTemporary:
+      if (error_ == 0) Flush();
+      Close();
+      if (error_ == 0 && ::rename(temporary_.c_str(), target_.c_str()) != 0) Fail(errno);
+      if (error_ != 0) ::unlink(temporary_.c_str());
+      ReleasePending(pendingSlot_);
+      pendingSlot_ = -1;
+      temporary_.clear();
+      break;
+  }
+  kind_ = Kind::kClosed;
+  if (error_ == 0) return true;
+  if (!reported_) {
+    reported_ = true;
+    PrintError({"error: file <", name_, "> cannot be written: ", std::strerror(error_)});
+  }
+  return false;
+}
+
+void OutputFile::Discard() {
+  Close();
+  if (!temporary_.empty()) {
+    ::unlink(temporary_.c_str());
+    ReleasePending(pendingSlot_);
+    pendingSlot_ = -1;
+    temporary_.clear();
+  }
+  buffer_.clear();
+  kind_ = Kind::kClosed;
+}
+
+// A failing close is a failed write: some file systems report a full disk only there.
+void OutputFile::Close() {
+  if (fd_ < 0) return;
+  if (::close(fd_) != 0 && errno != EINTR) Fail(errno);
+  fd_ = -1;
+}
+
+bool OutputFile::Fail(int error) {
+  if (error_ == 0) error_ = error;
+  if (kind_ == Kind::kClosed && fd_ < 0) {
+    // Failed while opening: nothing to put in place, so report now.
+    if (!reported_) {
+      reported_ = true;
+      PrintError({"error: file <", name_, "> cannot be written: ", std::strerror(error_)});
+    }
+  }
+  return false;
+}
+
+bool WriteFile(const std::string& name, std::string_view text, OutputMode mode) {
+  OutputFile file;
+  if (!file.Open(name, mode)) return false;
+  file.Write(text);
+  return file.Commit();
+}
+
+bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts) {
+  OutputFile file;
+  if (!file.Open(name)) return false;
+  for (const std::string_view part : parts) file.Write(part);
+  return file.Commit();
 }
 
 }  // namespace genetrain

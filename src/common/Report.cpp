@@ -70,15 +70,14 @@ bool Report::Write(const std::string& name) {
 bool Report::Write(const std::string& name, bool append) {
   append_ = append;
   if (!requests_.empty() && !CheckRequests()) return false;
-  std::FILE* stream = name.empty() ? stdout : std::fopen(name.c_str(), append_ ? "ab" : "wb");
-  if (stream == nullptr) return true;  // an output that cannot be opened is not a failure
+  OutputFile file;
+  if (!file.Open(name, append_ ? OutputMode::kAppend : OutputMode::kReplace)) return false;
   for (const Entry* entry : Selected()) {
-    WriteAll(stream, entry->label);
-    WriteAll(stream, entry->value);
-    WriteAll(stream, "\n");
+    file.Write(entry->label);
+    file.Write(entry->value);
+    file.Write("\n");
   }
-  if (stream != stdout) std::fclose(stream);
-  return true;
+  return file.Commit();
 }
 
 }  // namespace genetrain

@@ -27,9 +27,9 @@ class Report {
   // Checks that every requested key has an entry with a value; prints the first fault.
   bool CheckRequests() const;
 
-  // Writes to the named file (truncated, or appended to with the append flag), or to standard
-  // output for an empty name. Fails only when the requests do not check; a file that cannot be
-  // opened loses the output silently.
+  // Writes to the named file (replaced, or appended to with the append flag), or to standard
+  // output for an empty name. Fails when the requests do not check (nothing is written then) or
+  // when the file cannot be written whole (the message names it).
   bool Write(const std::string& name);
   bool Write(const std::string& name, bool append);
 

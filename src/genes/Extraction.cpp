@@ -164,9 +164,8 @@ bool RunParse(Genome& genome, Param& param) {
   if (!LoadAnnotated(seq, set, param, false)) return false;
   genome.ExtractCoding(seq, set, left, right);
   genome.ExtractNonCoding(seq, set);
-  WriteFile(*param.Find("--cod"), genome.WriteCoding());
-  WriteFile(*param.Find("--non"), genome.WriteNonCoding());
-  return true;
+  return WriteFile(*param.Find("--cod"), genome.WriteCoding()) &&
+         WriteFile(*param.Find("--non"), genome.WriteNonCoding());
 }
 
 bool RunIntergenic(Genome& genome, Param& param) {
@@ -176,8 +175,7 @@ bool RunIntergenic(Genome& genome, Param& param) {
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, true)) return false;
   genome.ExtractNonCoding(seq, set);
-  WriteFile(*param.Find("--non"), genome.WriteNonCoding());
-  return true;
+  return WriteFile(*param.Find("--non"), genome.WriteNonCoding());
 }
 
 bool RunStatNonVsAll(Genome& genome, Param& param) {

@@ -135,8 +135,7 @@ bool Genome::WritePreStartFile(const VSeq& seq, const GeneSet& set, Param& param
   labels.reserve(room);
   const std::int64_t upstream = std::int64_t{width} - inside;
   CollectPreStarts(seq, set, ClampToInt(upstream), ClampToInt(inside), intergenic, labels);
-  WriteFile(name, WritePreStarts(lines, labels));
-  return true;
+  return WriteFile(name, WritePreStarts(lines, labels));
 }
 
 bool RunPreStart(Genome& genome, Param& param) {

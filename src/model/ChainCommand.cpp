@@ -49,21 +49,21 @@ bool CheckChainOptions(Param& param, int& order) {
   return true;
 }
 
-// The file is opened (and emptied) before the chains are printed, so a chain that cannot be
-// printed leaves it empty. With a second chain both come with their labels. A file that cannot
-// be opened is not reported. The rows go out as they are made: the text is never held whole.
-void WriteChainFile(const std::string& name, const MkChain& first, const MkChain* second) {
-  std::FILE* file = std::fopen(name.c_str(), "wb");
+// A chain that cannot be printed (its precision) ends the command before the file is touched.
+// With a second chain both come with their labels. The rows go out as they are made: the text is
+// never held whole.
+bool WriteChainFile(const std::string& name, const MkChain& first, const MkChain* second) {
   first.CheckPrecision();
   if (second != nullptr) second->CheckPrecision();
-  if (file == nullptr) return;
-  if (second != nullptr) WriteAll(file, "COD1\n");
+  OutputFile file;
+  if (!file.Open(name)) return false;
+  if (second != nullptr) file.Write("COD1\n");
   first.WriteText(file);
   if (second != nullptr) {
-    WriteAll(file, "COD2\n");
+    file.Write("COD2\n");
     second->WriteText(file);
   }
-  std::fclose(file);
+  return file.Commit();
 }
 
 }  // namespace
@@ -89,12 +89,14 @@ bool RunMkchain(Genome& genome, Param& param) {
   noncoding.ClearMargins();
   if (!noncoding.CanEstimate(genome.non)) noncoding.Estimate(genome.non);  // ends with its message
 
-  WriteChainFile(*param.Find("--chain_cod"), coding1, genome.separate_cod ? &coding2 : nullptr);
+  if (!WriteChainFile(*param.Find("--chain_cod"), coding1,
+                      genome.separate_cod ? &coding2 : nullptr)) {
+    return false;
+  }
   coding1.Release();
   coding2.Release();
   noncoding.Estimate(genome.non);
-  WriteChainFile(*param.Find("--chain_non"), noncoding, nullptr);
-  return true;
+  return WriteChainFile(*param.Find("--chain_non"), noncoding, nullptr);
 }
 
 }  // namespace genetrain

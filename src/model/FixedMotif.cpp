@@ -71,16 +71,18 @@ std::string ModelMatrix(const std::vector<MatrixRow>& matrix, std::int64_t upstr
 }
 
 // The log lists the rows forwards, numbered from 1, in three blocks: before the start codon, the
-// start codon, after it.
+// start codon, after it. Each block that is complete ends in an empty line, also where no row
+// follows it.
 std::string LogMatrix(const std::vector<MatrixRow>& matrix, std::int64_t upstream,
                       std::uint32_t precision) {
   std::string text = "Pos   A   C   G   T\n";
+  if (upstream == 0) text.push_back('\n');
   for (std::size_t position = 0; position < matrix.size(); ++position) {
-    const auto number = static_cast<std::int64_t>(position);
-    if (number == upstream || number == upstream + 3) text.push_back('\n');
     AppendInteger(text, position + 1);
     text.push_back(' ');
     AppendMatrixRow(text, matrix[position], precision);
+    const auto rows = static_cast<std::int64_t>(position) + 1;
+    if (rows == upstream || rows == upstream + 3) text.push_back('\n');
   }
   return text;
 }

@@ -356,22 +356,21 @@ std::string MkChain::ToText(int digits) const {
   return text;
 }
 
-void MkChain::WriteText(std::FILE* file) const {
+void MkChain::WriteText(OutputFile& file) const {
   CheckPrecision(precision);
-  if (file == nullptr) return;
   constexpr std::size_t kSlice = std::size_t{1} << 20;
   std::string text = "\n";
   text.reserve(kSlice + 4096);
   const std::size_t words =
       tables.size() == 1 || tables.size() == 3 ? tables[0].size() : std::size_t{0};
-  for (std::size_t word = 0; word < words; ++word) {
+  for (std::size_t word = 0; word < words && !file.Failed(); ++word) {
     AppendRow(text, word, precision);
     if (text.size() >= kSlice) {
-      std::fwrite(text.data(), 1, text.size(), file);
+      file.Write(text);
       text.clear();
     }
   }
-  std::fwrite(text.data(), 1, text.size(), file);
+  file.Write(text);
 }
 
 void MkChain::AppendRow(std::string& text, std::size_t word, int digits) const {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/Output.h"
 #include "common/Param.h"
 #include "seq/VSeq.h"
 
@@ -49,9 +50,9 @@ class MkChain {
   // The printed table: a newline, then one line per word (three numbers for period 3).
   std::string ToText() const;
   std::string ToText(int precision) const;
-  // The text of ToText() written to the stream row by row, through a buffer of 1 MB, so that a
-  // chain of any order is printed without its text being held. A null stream writes nothing.
-  void WriteText(std::FILE* file) const;
+  // The text of ToText() written to the output row by row, in slices of 1 MB, so that a chain of
+  // any order is printed without its text being held; stops early when the output fails.
+  void WriteText(OutputFile& file) const;
   // Ends the process, as ToText() does, when the precision cannot be printed.
   void CheckPrecision() const { CheckPrecision(precision); }
 

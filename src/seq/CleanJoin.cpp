@@ -1,8 +1,6 @@
 // --clean_join and --clean: joining the records of a contig file into one text, with the N-run
 // editing both commands share. The text is never held whole: the records are joined straight
 // from the loaded file into the outputs, slice by slice.
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <string>
 
@@ -166,25 +164,20 @@ bool SSeq::CleanJoin(Param& param) {
     const std::string report = ReportFor(input, options);
     if (log->empty()) {
       WriteStdout(report);
-    } else {
-      WriteFile(*log, report, true);
+    } else if (!WriteFile(*log, report, OutputMode::kAppend)) {
+      return false;
     }
   }
-  // A file that cannot be opened loses the text, as the other outputs do.
-  std::FILE* stream = outName.empty() ? stdout : std::fopen(outName.c_str(), "wb");
-  if (stream == nullptr) return true;
-  JoinedText text(stream);
+  OutputFile out;
+  if (!out.Open(outName)) return false;
+  JoinedText text(&out);
   if (options.maxN >= 0) text.TrimRuns(static_cast<std::size_t>(options.maxN));
   RecordJoiner joiner(options.filler, options.Minimum());
   joiner.AddOutput(text);
   input.JoinInto(joiner);
   text.Finish();
-  if (stream == stdout) {
-    std::fputc('\n', stdout);
-  } else {
-    std::fclose(stream);
-  }
-  return true;
+  if (outName.empty()) out.Write("\n");
+  return out.Commit();
 }
 
 namespace {
@@ -212,39 +205,15 @@ bool ReadCleanOptions(Param& param, CleanOptions& options) {
          param.GetOpt(options.right, "--RIGHT_GAP_FILLER");
 }
 
-// Opens the named file for writing while `first` is still to be written, where that cannot
-// change what either ends up holding: the name is a regular file or not there yet, and not the
-// file `first` writes. Otherwise (the same file under another name, a device, a pipe) returns
-// null, and the file is to be written after `first` is closed, as the order then shows.
-std::FILE* OpenAlongside(std::FILE* first, const std::string& name) {
-  struct stat status;
-  if (::stat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return nullptr;
-  std::FILE* second = std::fopen(name.c_str(), "wb");
-  if (second == nullptr || first == nullptr) return second;
-  struct stat firstStatus;
-  if (::fstat(fileno(first), &firstStatus) == 0 && ::fstat(fileno(second), &status) == 0 &&
-      (firstStatus.st_dev != status.st_dev || firstStatus.st_ino != status.st_ino)) {
-    return second;
-  }
-  std::fclose(second);
-  return nullptr;
-}
-
-void Close(std::FILE* file) {
-  if (file != nullptr) std::fclose(file);
-}
-
 // The masked copy on its own, after the clean one.
-void WriteMasked(const RawFasta& input, const std::string& name, std::string_view filler,
+bool WriteMasked(const RawFasta& input, OutputFile& file, std::string_view filler,
                  std::int32_t minimum) {
-  std::FILE* file = std::fopen(name.c_str(), "wb");
-  if (file == nullptr) return;
-  JoinedText masked(file);
+  JoinedText masked(&file);
   RecordJoiner joiner(filler, minimum);
   joiner.AddOutput(masked, true);
   input.JoinInto(joiner);
   masked.Finish();
-  std::fclose(file);
+  return file.Commit();
 }
 
 }  // namespace
@@ -259,22 +228,30 @@ bool SSeq::Clean(Param& param) {
   if (!input.Load(options.seq)) return false;
   const auto minimum = static_cast<std::int32_t>(options.minContig);
 
-  std::FILE* cleanFile = std::fopen(options.outClean.c_str(), "wb");
-  std::FILE* maskedFile = OpenAlongside(cleanFile, options.outMasked);
-  JoinedText clean(cleanFile);
+  // Two streams (devices, pipes) may be one: then the masked copy follows the clean one. A file
+  // replaced whole is renamed into place at the end, the masked one last, so one pass serves
+  // both even where the two names are one file.
+  const bool onePass = OutputFile::ReplacesWhole(options.outClean) ||
+                       OutputFile::ReplacesWhole(options.outMasked);
+  OutputFile cleanFile;
+  OutputFile maskedFile;
+  if (!cleanFile.Open(options.outClean)) return false;
+  if (onePass && !maskedFile.Open(options.outMasked)) return false;
+  JoinedText clean(&cleanFile);
   if (options.replaceN) clean.FlankRuns(options.left, options.right);
-  JoinedText masked(maskedFile);
+  JoinedText masked(onePass ? &maskedFile : nullptr);
   RecordJoiner joiner(options.filler, minimum);
-  if (cleanFile != nullptr) joiner.AddOutput(clean);
-  if (maskedFile != nullptr) joiner.AddOutput(masked, true);
+  joiner.AddOutput(clean);
+  if (onePass) joiner.AddOutput(masked, true);
   input.JoinInto(joiner);
   clean.Finish();
   masked.Finish();
-  Close(cleanFile);
-  if (maskedFile != nullptr) {
-    std::fclose(maskedFile);
-  } else {
-    WriteMasked(input, options.outMasked, options.filler, minimum);
+  if (!cleanFile.Commit()) return false;
+  if (onePass) {
+    if (!maskedFile.Commit()) return false;
+  } else if (!maskedFile.Open(options.outMasked) ||
+             !WriteMasked(input, maskedFile, options.filler, minimum)) {
+    return false;
   }
 
   // Signed as the option is; 64-bit so that a count beyond 2^31 is not taken as negative.

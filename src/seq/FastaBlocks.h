@@ -78,9 +78,19 @@ void FastaSplitter::Finish(Sink& sink) {
   sawBytes_ = false;
 }
 
+// A sink may end the reading early (an output it cannot write) through Stopped().
+template <typename Sink>
+bool SinkStopped(const Sink& sink) {
+  if constexpr (requires { sink.Stopped(); }) {
+    return sink.Stopped();
+  } else {
+    return false;
+  }
+}
+
 // Reads the named FASTA file (gzip or plain) in blocks and hands its records to the sink. Fails
 // with the messages of FileBuf::Load; after a failure while reading the sink may have heard
-// part of the file.
+// part of the file. A sink that stops is not told the end of the file: the caller asks it.
 template <typename Sink>
 bool ReadFastaBlocks(const std::string& name, std::size_t blockSize, Sink& sink) {
   InputStream input;
@@ -90,6 +100,7 @@ bool ReadFastaBlocks(const std::string& name, std::size_t blockSize, Sink& sink)
   FastaSplitter splitter;
   std::size_t got = blockSize;
   while (got == blockSize) {
+    if (SinkStopped(sink)) return true;
     got = input.Read({block.get(), blockSize});
     splitter.Feed({block.get(), got}, sink);
   }

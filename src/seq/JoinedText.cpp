@@ -110,7 +110,7 @@ void JoinedText::Emit(std::string_view bytes) {
     text_->append(bytes);
     return;
   }
-  if (stream_ == nullptr) return;
+  if (output_ == nullptr) return;
   while (!bytes.empty()) {
     if (slice_.size() == kSlice) Flush();
     if (slice_.capacity() < kSlice) slice_.reserve(kSlice);
@@ -126,7 +126,7 @@ void JoinedText::EmitN(std::uint64_t count) {
     text_->append(count, 'N');
     return;
   }
-  if (stream_ == nullptr) return;
+  if (output_ == nullptr) return;
   while (count > 0) {
     if (slice_.size() == kSlice) Flush();
     if (slice_.capacity() < kSlice) slice_.reserve(kSlice);
@@ -137,7 +137,7 @@ void JoinedText::EmitN(std::uint64_t count) {
 }
 
 void JoinedText::Flush() {
-  if (stream_ != nullptr && !slice_.empty()) std::fwrite(slice_.data(), 1, slice_.size(), stream_);
+  if (output_ != nullptr && !slice_.empty()) output_->Write(slice_);
   slice_.clear();
 }
 

@@ -2,25 +2,25 @@
 #define GENETRAIN_SEQ_JOINEDTEXT_H
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "common/Output.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
 
 // The joined text of --clean_join and --clean on its way out. The text arrives in pieces of any
 // size; runs of N can be edited across the pieces' boundaries (trimmed, or given flanking
-// texts); what comes out goes to a stream in slices of 1 MB, or into a string, or is only
+// texts); what comes out goes to an output file in slices of 1 MB, or into a string, or is only
 // counted. So a joined text of any length is written without ever being held whole.
 class JoinedText {
  public:
   // Only counted.
   JoinedText() = default;
-  // Written to the stream; a null stream only counts.
-  explicit JoinedText(std::FILE* stream) : stream_(stream) {}
+  // Written to the output; a null output only counts.
+  explicit JoinedText(OutputFile* output) : output_(output) {}
   // Appended to the string.
   explicit JoinedText(std::string& text) : text_(&text) {}
   JoinedText(const JoinedText&) = delete;
@@ -49,7 +49,7 @@ class JoinedText {
   void EmitN(std::uint64_t count);
   void Flush();
 
-  std::FILE* stream_ = nullptr;
+  OutputFile* output_ = nullptr;
   std::string* text_ = nullptr;
   std::string slice_;
   RunEdit edit_ = RunEdit::kNone;

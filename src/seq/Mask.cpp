@@ -9,6 +9,7 @@
 
 #include "common/FileBuf.h"
 #include "common/Message.h"
+#include "common/Output.h"
 #include "seq/FastaScanner.h"
 #include "seq/LetterChunks.h"
 #include "seq/SSeq.h"
@@ -120,10 +121,10 @@ void MaskPiece(char* letters, std::size_t size, std::size_t offset,
 
 // The label line, then the letters of the body with the ranges set to N, piece by piece, on one
 // line: the sequence is never held whole.
-void WriteMasked(std::FILE* file, const FastaSpan& record, const LetterTable& table,
+void WriteMasked(OutputFile& file, const FastaSpan& record, const LetterTable& table,
                  const std::vector<SSeq::Range>& ranges) {
-  if (!record.label.empty()) std::fwrite(record.label.data(), 1, record.label.size(), file);
-  std::fputc('\n', file);
+  file.Write(record.label);
+  file.Write("\n");
   std::string buffer;
   LetterChunks chunks(record.body, table, buffer);
   std::string_view letters;  // stands at the start of the buffer
@@ -131,10 +132,10 @@ void WriteMasked(std::FILE* file, const FastaSpan& record, const LetterTable& ta
   std::size_t next = 0;
   while (chunks.Next(letters)) {
     MaskPiece(buffer.data(), letters.size(), offset, ranges, next);
-    std::fwrite(letters.data(), 1, letters.size(), file);
+    file.Write(letters);
     offset += letters.size();
   }
-  std::fputc('\n', file);
+  file.Write("\n");
 }
 
 }  // namespace
@@ -164,14 +165,13 @@ bool SSeq::Mask(Param& param) {
   if (!CheckIntervals(intervals, TallyLetters(record.body).All())) return false;
 
   // The message names the interval file, not the output: scripts match on it.
-  std::FILE* file = std::fopen(outName.c_str(), "wb");
-  if (file == nullptr) {
+  OutputFile file;
+  if (!file.Open(outName, OutputMode::kReplace, OpenFailure::kQuiet)) {
     PrintError({" : error, opening file ", maskName});
     return false;
   }
   WriteMasked(file, record, *table_, MaskedRanges(intervals));
-  std::fclose(file);
-  return true;
+  return file.Commit();
 }
 
 }  // namespace genetrain

@@ -24,26 +24,18 @@ std::string_view Inner(std::string_view sequence, std::uint32_t left, std::uint3
   return sequence.substr(left, sequence.size() - margins);
 }
 
-// Records go out through a stream buffer of this size: many small records make few large writes.
-constexpr std::size_t kOutputBuffer = std::size_t{1} << 20;
-
 struct CodingCounts {
   std::uint64_t records = 0, good = 0, bad = 0, shorter = 0;
 };
 
 // Renames the records as they stream past: the output gets each new header and the letters,
-// the index a line of new and old label per record. The output file is opened with the first
-// record (or at the end, for a file without any), so that an input that cannot be read at all
-// leaves no output behind.
+// the index a line of new and old label per record. The output is opened with the first record
+// (or at the end, for a file without any), so that an input that cannot be opened is reported
+// before an output that cannot be written.
 class RenamingSink {
  public:
   RenamingSink(const std::string& output, const std::string& prefix)
       : output_(output), prefix_(prefix) {}
-  ~RenamingSink() {
-    if (fasta_ != nullptr) std::fclose(fasta_);
-  }
-  RenamingSink(const RenamingSink&) = delete;
-  RenamingSink& operator=(const RenamingSink&) = delete;
 
   void Begin() {
     Open();
@@ -53,42 +45,41 @@ class RenamingSink {
     AppendInteger(header_, records_++);
     names_.append(header_).push_back('\t');
     header_.push_back('\n');
-    Write(header_);
+    fasta_.Write(header_);
   }
   void Label(std::string_view piece) { names_.append(piece); }
   void Body(std::string_view piece) {
-    if (fasta_ == nullptr) return;
+    if (Stopped()) return;
     LetterChunks chunks(piece, CasePreservingLetterTable(), buffer_);
     std::string_view letters;
-    while (chunks.Next(letters)) Write(letters);
+    while (chunks.Next(letters)) fasta_.Write(letters);
   }
   void End() {
     names_.push_back('\n');
-    Write("\n\n");
+    fasta_.Write("\n\n");
   }
+  // An output that cannot be written ends the reading.
+  bool Stopped() const { return fasta_.Failed(); }
 
-  // Closes the output (made now when the input held no record) and hands over the index.
-  std::string Finish() {
+  // Puts the output in place (made now when the input held no record) and hands over the
+  // index; false when the output could not be written.
+  bool Finish(std::string& index) {
     Open();
-    if (fasta_ != nullptr) std::fclose(fasta_);
-    fasta_ = nullptr;
-    return std::move(names_);
+    if (!fasta_.Commit()) return false;
+    index = std::move(names_);
+    return true;
   }
 
  private:
   void Open() {
     if (opened_) return;
     opened_ = true;
-    fasta_ = std::fopen(output_.c_str(), "wb");
-    if (fasta_ != nullptr) std::setvbuf(fasta_, nullptr, _IOFBF, kOutputBuffer);
-  }
-  void Write(std::string_view bytes) {
-    if (fasta_ != nullptr) std::fwrite(bytes.data(), 1, bytes.size(), fasta_);
+    fasta_.Open(output_);
   }
 
   const std::string& output_;
   const std::string& prefix_;
-  std::FILE* fasta_ = nullptr;
+  OutputFile fasta_;
   bool opened_ = false;
   std::size_t records_ = 0;
   std::string header_, names_, buffer_;
@@ -107,8 +98,8 @@ bool MSSeq::CleanFasta(Param& param) {
   }
   RenamingSink sink(output, prefix);
   if (!ReadFastaBlocks(input, kFastaBlockSize, sink)) return false;
-  WriteFile(index, sink.Finish());
-  return true;
+  std::string names;
+  return sink.Finish(names) && WriteFile(index, names);
 }
 
 bool MSSeq::CleanCoding(Param& param) {
@@ -142,7 +133,7 @@ bool MSSeq::CleanCoding(Param& param) {
     if (printLabel) kept.append(record.label).push_back('\n');
     kept.append(Inner(record.sequence, left, right)).push_back('\n');
   }
-  WriteFile(output, kept);
+  if (!WriteFile(output, kept)) return false;
   messages.append(name)
       .append(" records ")
       .append(std::to_string(counts.records))

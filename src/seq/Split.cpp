@@ -28,8 +28,9 @@ struct SplitOptions {
   bool soft = false;
 };
 
-// A piece length, line width or margin below zero has no meaning (a negative piece length would
-// never reach the end of a record): such a value is refused like a malformed one.
+// A piece length or margin below zero has no meaning (a negative piece length would never reach
+// the end of a record): such a value is refused like a malformed one. A negative line width is
+// taken as the unsigned number it stands for, a line longer than any sequence.
 bool GetOptNotNegative(Param& param, std::int32_t& target, std::string_view key) {
   if (!param.GetOpt(target, key)) return false;
   if (target >= 0) return true;
@@ -43,7 +44,7 @@ bool ReadOptions(Param& param, SplitOptions& options) {
   return param.GetWord(options.seqName, "--seq") &&
          GetOptNotNegative(param, options.size, "--SPLIT_SIZE") &&
          param.GetOpt(options.minimum, "--MIN_SPLIT_SIZE") &&
-         GetOptNotNegative(param, options.lineWidth, "--letters_per_line") &&
+         param.GetOpt(options.lineWidth, "--letters_per_line") &&
          param.GetOpt(options.maxRun, "--max_nnn_substring") &&
          GetOptNotNegative(param, options.margin, "--nnn_margin") &&
          param.GetOpt(options.noLabel, "--NO_LABEL") && param.GetOpt(options.soft, "--soft");
@@ -94,27 +95,26 @@ void ConvertSoftMasked(char* begin, char* end) {
 // Writes a label line and the letters [begin, end) of the sequence, after converting their
 // soft-masked letters (only --soft reading keeps lower case: without it there are none). At line
 // width 0 the letters go out as they stand; otherwise `text` is a scratch buffer kept between
-// files.
-void WritePart(const std::string& name, std::string_view label, std::string& sequence,
+// files. False when the file cannot be written.
+bool WritePart(const std::string& name, std::string_view label, std::string& sequence,
                std::size_t begin, std::size_t end, const SplitOptions& options, std::string& text) {
   if (options.soft) ConvertSoftMasked(sequence.data() + begin, sequence.data() + end);
   const std::string_view part = std::string_view(sequence).substr(begin, end - begin);
   if (options.lineWidth == 0) {
-    WriteFile(name, {label, "\n", part, part.empty() ? "" : "\n"});
-    return;
+    return WriteFile(name, {label, "\n", part, part.empty() ? "" : "\n"});
   }
   text.clear();
   SSeq::WriteLines(part, static_cast<std::uint32_t>(options.lineWidth), text);
-  WriteFile(name, {label, "\n", text});
+  return WriteFile(name, {label, "\n", text});
 }
 
 // The whole record in one file; a record shorter than the minimum (compared unsigned, so a
 // negative minimum skips every record) keeps its number but is not written.
-void WriteWholeRecord(std::string_view label, std::string& sequence, const SplitOptions& options,
+bool WriteWholeRecord(std::string_view label, std::string& sequence, const SplitOptions& options,
                       std::int64_t& k, std::string& text) {
   ++k;
-  if (sequence.size() < static_cast<std::size_t>(options.minimum)) return;
-  WritePart(SSeq::MakeName(options.base, "_", k), label, sequence, 0, sequence.size(), options,
+  if (sequence.size() < static_cast<std::size_t>(options.minimum)) return true;
+  return WritePart(SSeq::MakeName(options.base, "_", k), label, sequence, 0, sequence.size(), options,
             text);
 }
 
@@ -138,7 +138,7 @@ std::string PieceLabel(std::string_view fileName) {
 // One file per piece of `options.size` letters; a remainder of at most `options.minimum` letters
 // joins the piece before it, and a piece not longer than the minimum keeps its number but is not
 // written. With a negative minimum the last piece still ends at the record's end.
-void WritePieces(std::string_view label, std::string& sequence, const SplitOptions& options,
+bool WritePieces(std::string_view label, std::string& sequence, const SplitOptions& options,
                  std::int64_t& k, std::string& text) {
   const std::int64_t size = options.size;
   const std::int64_t minimum = options.minimum;
@@ -150,20 +150,20 @@ void WritePieces(std::string_view label, std::string& sequence, const SplitOptio
       const std::string name = SSeq::MakeName(options.base, "_", k);
       const std::string pieceLabel =
           options.noLabel ? PieceLabel(name) : PieceLabel(label, p + 1, e);
-      WritePart(name, pieceLabel, sequence, static_cast<std::size_t>(p),
-                static_cast<std::size_t>(e), options, text);
+      if (!WritePart(name, pieceLabel, sequence, static_cast<std::size_t>(p),
+                     static_cast<std::size_t>(e), options, text)) {
+        return false;
+      }
     }
     p = e;
   }
+  return true;
 }
 
-void WriteRecordOrPieces(std::string_view label, std::string& sequence, const SplitOptions& options,
+bool WriteRecordOrPieces(std::string_view label, std::string& sequence, const SplitOptions& options,
                          std::int64_t& k, std::string& text) {
-  if (options.size == 0) {
-    WriteWholeRecord(label, sequence, options, k, text);
-  } else {
-    WritePieces(label, sequence, options, k, text);
-  }
+  if (options.size == 0) return WriteWholeRecord(label, sequence, options, k, text);
+  return WritePieces(label, sequence, options, k, text);
 }
 
 // The bounds of the pieces of a sequence cut at runs of N. Leading and trailing runs shrink to
@@ -206,18 +206,16 @@ SeqRecord CopyPiece(const SeqRecord& record, const SSeq::Range& range) {
 }
 
 // Writes one record, or its pieces when cutting at runs of N: a piece stands in the record's
-// buffer, so nothing is copied.
-void WriteRecord(std::string_view label, std::string& letters, const SplitOptions& options,
+// buffer, so nothing is copied. False when a file cannot be written.
+bool WriteRecord(std::string_view label, std::string& letters, const SplitOptions& options,
                  std::int64_t& k, std::string& text) {
-  if (options.maxRun <= 0) {
-    WriteRecordOrPieces(label, letters, options, k, text);
-    return;
-  }
+  if (options.maxRun <= 0) return WriteRecordOrPieces(label, letters, options, k, text);
   std::string piece;
   for (const SSeq::Range& range : PiecesAtN(letters, options.maxRun, options.margin)) {
     piece.assign(letters, range.begin, range.end - range.begin);
-    WriteRecordOrPieces(PieceName(label, range), piece, options, k, text);
+    if (!WriteRecordOrPieces(PieceName(label, range), piece, options, k, text)) return false;
   }
+  return true;
 }
 
 }  // namespace
@@ -260,7 +258,7 @@ bool SSeq::Split(Param& param) {
   do {
     letters.clear();
     AppendLetters(span.body, *table_, letters);
-    WriteRecord(span.label, letters, options, k, text);
+    if (!WriteRecord(span.label, letters, options, k, text)) return false;
   } while (scanner.Next(span));
   return true;
 }

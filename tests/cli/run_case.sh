@@ -31,11 +31,16 @@ args=()
 mapfile -t args < "$case_dir/args"
 limit=unlimited
 if [ -e "$case_dir/ulimit-v" ]; then limit=$(cat "$case_dir/ulimit-v"); fi
+# A file size limit stands in for a full disk: writes past it fail with EFBIG, since the signal
+# the kernel sends first is ignored.
+file_limit=unlimited
+if [ -e "$case_dir/ulimit-f" ]; then file_limit=$(cat "$case_dir/ulimit-f"); fi
 stdin_file=/dev/null
 if [ -e "$case_dir/stdin" ]; then stdin_file=$case_dir/stdin; fi
 
 # Standard input arrives through a pipe, as in a pipeline; a hang is cut after a minute.
-cat "$stdin_file" | (cd "$work" && ulimit -v "$limit" && exec timeout -s KILL 60 "$bin" "${args[@]}") \
+cat "$stdin_file" | (cd "$work" && ulimit -v "$limit" && ulimit -f "$file_limit" && trap '' XFSZ &&
+  exec timeout -s KILL 60 "$bin" "${args[@]}") \
   > "$result/stdout" 2> "$result/stderr"
 status=$?
 
@@ -77,5 +82,9 @@ while IFS= read -r file; do
     fail "input file $file was changed"
   fi
 done < <(cd "$work" && find . -type f | sort)
+# Files that were there before stay, unless they are expected outputs.
+while IFS= read -r file; do
+  [ -e "$work/$file" ] || [ -e "$case_dir/out/$file" ] || fail "file $file was removed"
+done < "$result/before"
 
 exit $failed

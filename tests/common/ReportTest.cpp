@@ -78,10 +78,12 @@ TEST(Report, TruncatesOrAppends) {
   EXPECT_EQ(test::ReadFile(path), "K 1\n");
   ASSERT_TRUE(report.Write(dir.Path("new"), true));
   EXPECT_EQ(test::ReadFile(dir.Path("new")), "K 1\n");
-  // A file that cannot be opened is no failure, and nothing is said.
+  // A file that cannot be created fails the write and says why.
+  const std::string lost = dir.Path("no/such/folder/out");
   CaptureStderr();
-  EXPECT_TRUE(report.Write(dir.Path("no/such/folder/out")));
-  EXPECT_EQ(GetCapturedStderr(), "");
+  EXPECT_FALSE(report.Write(lost));
+  EXPECT_EQ(GetCapturedStderr(),
+            "error: file <" + lost + "> cannot be written: No such file or directory\n");
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "TestSupport.h"
+
 namespace genetrain {
 namespace {
 
@@ -438,14 +440,12 @@ TEST(MkChainTest, WrittenTextIsTheTextInSlices) {
   }
   chain.precision = 9;
   chain.Estimate(genes);
-  std::FILE* file = std::tmpfile();
-  ASSERT_NE(file, nullptr);
+  test::ScratchDir dir;
+  OutputFile file;
+  ASSERT_TRUE(file.Open(dir.Path("chain.txt")));
   chain.WriteText(file);
-  std::rewind(file);
-  std::string written;
-  for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file))
-    written.push_back(static_cast<char>(c));
-  std::fclose(file);
+  ASSERT_TRUE(file.Commit());
+  const std::string written = test::ReadFile(dir.Path("chain.txt"));
   EXPECT_EQ(written, chain.ToText());
   EXPECT_GT(written.size(), std::size_t{1} << 20);
 }

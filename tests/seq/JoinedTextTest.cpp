@@ -105,13 +105,13 @@ TEST(JoinedText, StreamGetsTheTextInSlicesCountOnlyJustCounts) {
   SSeq::TrimNRuns(expected, 1500000);
   test::ScratchDir dir;
   const std::string name = dir.Path("out.txt");
-  std::FILE* file = std::fopen(name.c_str(), "wb");
-  ASSERT_NE(file, nullptr);
-  JoinedText streamed(file);
+  OutputFile file;
+  ASSERT_TRUE(file.Open(name));
+  JoinedText streamed(&file);
   streamed.TrimRuns(1500000);
   streamed.Put(text);
   streamed.Finish();
-  std::fclose(file);
+  ASSERT_TRUE(file.Commit());
   EXPECT_EQ(test::ReadFile(name), expected);
   JoinedText counted;
   counted.TrimRuns(1500000);

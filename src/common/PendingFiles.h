@@ -1,0 +1,21 @@
+#ifndef GENETRAIN_COMMON_PENDINGFILES_H
+#define GENETRAIN_COMMON_PENDINGFILES_H
+
+#include <string>
+
+namespace genetrain {
+
+// Temporary output files that are not yet in place. They are removed when the process ends
+// before putting them there: through exit() (an invalid setting deep in an estimator) or by
+// SIGINT, SIGTERM, SIGHUP or SIGPIPE, whose default action then follows. A process that is
+// killed outright (SIGKILL) leaves them; their names start with a dot and end in ".tmp".
+
+// Takes note of the file; returns the slot to release, or -1 when every slot is taken (the file
+// is then only removed by its owner).
+int HoldPending(const std::string& path);
+// The file was renamed into place or removed by its owner.
+void ReleasePending(int slot);
+
+}  // namespace genetrain
+
+#endif
