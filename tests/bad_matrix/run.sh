@@ -19,6 +19,7 @@ entry() {
     read -r -a base_args <<< "$2"
     read -r -a file_options <<< "$3"
     read -r -a number_options <<< "$4"
+    read -r -a output_options <<< "${5:-}"
     found=1
   fi
 }
@@ -131,6 +132,42 @@ for option in "${number_options[@]}"; do
     fi
     fresh_work
     run_variant "$option '$value'"
+  done
+done
+
+# The file an output option names first: --split names the base of numbered files.
+first_output() {
+  if [ "$1" = --split ]; then echo "${2}_1"; else echo "$2"; fi
+}
+
+for option in "${output_options[@]}"; do
+  for kind in no_folder read_only directory dev_full; do
+    # --split names files after its value: /dev/full would make /dev/full_1 and so on.
+    [ "$option" = --split ] && [ "$kind" = dev_full ] && continue
+    args=("${base_args[@]}")
+    index=$(value_index "$option")
+    fresh_work
+    case $kind in
+      no_folder) args[index]=no_folder/${args[index]} ;;
+      read_only)
+        target=$scratch/work/$(first_output "$option" "${args[index]}")
+        echo "an earlier output" > "$target"
+        chmod 444 "$target"
+        ;;
+      directory)
+        target=$scratch/work/$(first_output "$option" "${args[index]}")
+        rm -f "$target"
+        mkdir "$target"
+        ;;
+      dev_full) args[index]=/dev/full ;;
+    esac
+    run_variant "$option $kind"
+    # A read-only output must be left as it was, contents and permissions.
+    if [ "$kind" = read_only ] && { [ "$(cat "$target")" != "an earlier output" ] ||
+      [ "$(stat -c %a "$target")" != 444 ]; }; then
+      echo "$name/$option read_only: the read-only file was changed"
+      failed=1
+    fi
   done
 done
 

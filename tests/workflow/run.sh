@@ -4,8 +4,12 @@
 # Makes two small genomes from the bundled E. coli genome (two slices of 700 kb with the genes
 # that lie wholly inside them, renumbered; one as plain files, one gzip-compressed) and a FASTA
 # file without gene set, runs the workflow on them with --cores 2, and checks the models and the
-# summary table. Then runs it once more through Snakemake's cluster executor, with a stand-in
-# for the batch system's submit command, and checks that the results are the same.
+# summary table. Then, in a second folder, checks that a FASTA of two records (the first slice cut
+# inside a gene) and an empty one are refused with a message naming the file, that with
+# join_contigs the two records give the first slice's model, and the low_training_share flag on
+# both sides of one half. Then runs the first folder once more through Snakemake's cluster
+# executor, with a stand-in for the batch system's submit command, and checks that the results
+# are the same.
 # Needs Snakemake 7 (Debian package snakemake), installed here when missing and run as root.
 # PROFILES="slurm" (or "") limits the cluster runs; KEEP_WORKFLOW_TEST=1 keeps the scratch folder,
 # which is also kept after a failure.
@@ -87,12 +91,13 @@ done
 summary=local/summary.tsv
 [ -s "$summary" ] || fail "no $summary"
 header=$(head -1 "$summary")
-[ "$header" = "$(printf 'genome\tbases\tgc\tgenes\tgenes_used\tatg\tgtg\tttg\tctg')" ] ||
+[ "$header" = "$(printf 'genome\tbases\tgc\tgenes\tgenes_used\tatg\tgtg\tttg\tctg\tlow_training_share')" ] ||
   fail "summary header: $header"
 [ "$(wc -l < "$summary")" -eq 3 ] || fail "summary has $(wc -l < "$summary") lines"
 [ "$(cut -f1 "$summary" | tail -n +2 | tr '\n' ' ')" = "slice_a slice_b " ] ||
   fail "summary genomes: $(cut -f1 "$summary" | tr '\n' ' ')"
-while IFS=$'\t' read -r genome bases gc genes used atg gtg ttg ctg; do
+while IFS=$'\t' read -r genome bases gc genes used atg gtg ttg ctg low extra; do
+  [ -z "$extra" ] || fail "$genome: more than 10 columns"
   file=genomes/$genome.fasta
   [ -e "$file" ] || file=$file.gz
   [ "$bases" -eq 700000 ] || fail "$genome: $bases bases"
@@ -106,9 +111,90 @@ while IFS=$'\t' read -r genome bases gc genes used atg gtg ttg ctg; do
   awk -v a="$atg" -v g="$gtg" -v t="$ttg" -v c="$ctg" \
     'BEGIN { s = a + g + t + c; exit !(s > 0.9975 && s < 1.0025 && a > 0.8 && g > t && c == 0) }' ||
     fail "$genome: start codon fractions $atg $gtg $ttg $ctg"
+  [ "$low" = no ] || fail "$genome: low_training_share $low with $used of $genes genes used"
   echo "  $genome: $bases bases, GC $gc, $used of $genes genes used, ATG $atg GTG $gtg TTG $ttg"
 done < <(tail -n +2 "$summary")
 local_time=$(($(date +%s) - start))
+
+# A second folder. joined: slice_a as two records, cut in the middle of a gene of 600 bases or
+# more, with slice_a's gene set, whose positions count along the records read in order.
+# half_used and under_half: slice_a with its genes and partial copies of them, which training
+# turns away, so that exactly half of the genes, or one gene fewer than half, are used.
+# empty: a FASTA without sequence.
+start=$(date +%s)
+mkdir more
+row_a=$(awk -F'\t' '$1 == "slice_a"' "$summary")
+genes_a=$(cut -f4 <<< "$row_a")
+used_a=$(cut -f5 <<< "$row_a")
+cut_at=$(awk '$3 ~ /^[0-9]+$/ && $4 ~ /^[0-9]+$/ && $3 > 300000 && $4 - $3 >= 600 {
+  print int(($3 + $4) / 2); exit }' genomes/slice_a.genes)
+tail -n +2 genomes/slice_a.fasta | tr -d '\n' > slice_a.txt
+{
+  echo ">part_1 bases 1 to $cut_at of slice_a"
+  head -c "$cut_at" slice_a.txt | fold -w 60
+  echo
+  echo ">part_2 bases $((cut_at + 1)) to 700000 of slice_a"
+  tail -c +$((cut_at + 1)) slice_a.txt | fold -w 70
+  echo
+} | gzip > more/joined.fasta.gz
+rm slice_a.txt
+cp genomes/slice_a.genes more/joined.genes
+: > more/empty.fasta
+cp genomes/slice_a.genes more/empty.genes
+partial_copies() { # count: the first count genes of slice_a, open at the left end
+  head -n "$1" genomes/slice_a.genes | awk 'BEGIN { OFS = "\t" }
+    { $1 = "partial_" NR; if ($3 !~ /^</) $3 = "<" $3; print }'
+}
+for genome in half_used under_half; do cp genomes/slice_a.fasta "more/$genome.fasta"; done
+{ cat genomes/slice_a.genes; partial_copies $((2 * used_a - genes_a)); } > more/half_used.genes
+{ cat genomes/slice_a.genes; partial_copies $((2 * used_a - genes_a + 1)); } > more/under_half.genes
+[ "$(wc -l < more/under_half.genes)" -eq $((2 * used_a + 1)) ] || fail "under_half.genes has $(wc -l < more/under_half.genes) genes"
+
+if timeout -k 10 600 snakemake -s "$repo/workflow/Snakefile" --directory "$work" --configfile config.yaml \
+  --config genomes="$work/more" results="$work/more-out" --cores 2 --keep-going > refused.log 2>&1; then
+  fail "the workflow took a genome of two records and an empty one (refused.log)"
+fi
+grep -qF "$work/more/joined.fasta.gz holds 2 records" refused.log || { tail -30 refused.log >&2; fail "no message naming joined.fasta.gz"; }
+grep -F "$work/more/joined.fasta.gz holds 2 records" refused.log | grep -q "Split it" || fail "the message does not say to split the file"
+grep -F "$work/more/joined.fasta.gz holds 2 records" refused.log | grep -q "join_contigs: true" || fail "the message does not name join_contigs"
+grep -qF "$work/more/joined.fasta.gz holds 2 records" more-out/logs/joined.unpack.log || fail "the message is not in joined.unpack.log"
+grep -qF "$work/more/empty.fasta holds no sequence" refused.log || fail "no message naming empty.fasta"
+[ ! -e more-out/models/joined.mod ] || fail "a model of joined was made without join_contigs"
+[ ! -e more-out/summary.tsv ] || fail "a summary was made although genomes were refused"
+ls more-out/joined/unpack.* > /dev/null 2>&1 && fail "unpack left its scratch files"
+for genome in half_used under_half; do
+  [ -s "more-out/models/$genome.mod" ] || fail "no model of $genome (--keep-going)"
+done
+
+rm more/empty.*
+timeout -k 10 600 snakemake -s "$repo/workflow/Snakefile" --directory "$work" --configfile config.yaml \
+  --config genomes="$work/more" results="$work/more-out" join_contigs=true --cores 2 > joined.log 2>&1 ||
+  { tail -30 joined.log >&2; fail "the workflow failed with join_contigs=true (joined.log)"; }
+grep -q "joined 2 records, 700000 bases" more-out/logs/joined.unpack.log || fail "joined.unpack.log does not tell the join"
+# One sequence, the same bases, the same genes: the same model but for its NAME.
+cmp -s <(awk '$1 != "NAME"' local/models/slice_a.mod) <(awk '$1 != "NAME"' more-out/models/joined.mod) ||
+  fail "the model of the joined records differs from slice_a's"
+[ "$(awk '$1 == "NAME" { print $2 }' more-out/models/joined.mod)" = joined ] || fail "joined.mod NAME"
+cmp -s local/slice_a/cod.txt more-out/joined/cod.txt || fail "the training genes of joined differ from slice_a's"
+summary=more-out/summary.tsv
+[ "$(head -1 "$summary")" = "$header" ] || fail "$summary header: $(head -1 "$summary")"
+[ "$(cut -f1 "$summary" | tail -n +2 | tr '\n' ' ')" = "half_used joined under_half " ] ||
+  fail "$summary genomes: $(cut -f1 "$summary" | tr '\n' ' ')"
+[ "$(awk -F'\t' '$1 == "joined"' "$summary" | cut -f2-)" = "$(cut -f2- <<< "$row_a")" ] ||
+  fail "joined's summary row differs from slice_a's"
+while IFS=$'\t' read -r genome bases gc genes used atg gtg ttg ctg low; do
+  case $genome in
+    half_used) want_genes=$((2 * used_a)) want_low=no ;;
+    under_half) want_genes=$((2 * used_a + 1)) want_low=yes ;;
+    *) continue ;;
+  esac
+  [ "$genes" -eq "$want_genes" ] || fail "$genome: $genes genes, the set has $want_genes"
+  [ "$used" -eq "$used_a" ] || fail "$genome: $used genes used, slice_a's $used_a"
+  [ "$low" = "$want_low" ] || fail "$genome: low_training_share $low with $used of $genes genes used"
+  echo "  $genome: $used of $genes genes used, low_training_share $low"
+done < <(tail -n +2 "$summary")
+echo "  joined: 2 records cut at base $cut_at refused, then joined to slice_a's model"
+more_time=$(($(date +%s) - start))
 times=""
 
 # The same on a SLURM cluster, through the two profiles of workflow/profiles: stand-ins for
@@ -133,4 +219,4 @@ for profile in ${PROFILES:-slurm sbatch}; do
   done
   times="$times, $profile profile $(($(date +%s) - start)) s"
 done
-echo "workflow: 2 models and the summary (local ${local_time} s$times): as expected"
+echo "workflow: 2 models and the summary (local ${local_time} s, contigs and low_training_share ${more_time} s$times): as expected"
