@@ -48,6 +48,8 @@ for dir in "$here"/cli/*/; do
   [[ $name =~ $filter ]] || continue
   if [ -e "$dir/skip-under-sanitizer" ]; then
     skipped+=("$name (skip-under-sanitizer)")
+  elif [ -e "$dir/ulimit-f" ]; then
+    skipped+=("$name (its file size limit would cut valgrind's own log)")
   elif [ -z "${GENETRAIN_VALGRIND_ALL:-}" ] && [[ " $slow_cases " == *" $name "* ]]; then
     skipped+=("$name (slow under valgrind)")
   else

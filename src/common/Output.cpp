@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -166,10 +167,11 @@ bool OutputFile::OpenTemporary(const std::string& target) {
   const std::string folder = slash == std::string::npos ? "" : target.substr(0, slash + 1);
   // Room for the suffix within the 255 bytes of a file name.
   const std::string base = target.substr(slash == std::string::npos ? 0 : slash + 1, 200);
-  static unsigned counter = 0;
+  // Names are unique within the process; O_EXCL settles a clash with anyone else.
+  static std::atomic<unsigned> counter{0};
+  static const std::string pid = std::to_string(::getpid());
   for (int attempt = 0; attempt < 100; ++attempt) {
-    temporary_ = folder + "." + base + "." + std::to_string(::getpid()) + "." +
-                 std::to_string(counter++) + ".tmp";
+    temporary_ = folder + "." + base + "." + pid + "." + std::to_string(counter++) + ".tmp";
     fd_ = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd_ >= 0) {
       pendingSlot_ = HoldPending(temporary_);
