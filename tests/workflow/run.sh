@@ -6,8 +6,8 @@
 # file without gene set, runs the workflow on them with --cores 2, and checks the models and the
 # summary table. Then, in a second folder, checks that a FASTA of two records (the first slice cut
 # inside a gene) and an empty one are refused with a message naming the file, that with
-# join_contigs the two records give the first slice's model, and the low_training_share flag on
-# both sides of one half. Then runs the first folder once more through Snakemake's cluster
+# join_contigs the two records give the first slice's model and a record of N between two halves
+# of the second slice is kept, and the low_training_share flag on both sides of one half. Then runs the first folder once more through Snakemake's cluster
 # executor, with a stand-in for the batch system's submit command, and checks that the results
 # are the same.
 # Needs Snakemake 7 (Debian package snakemake), installed here when missing and run as root.
@@ -118,6 +118,8 @@ local_time=$(($(date +%s) - start))
 
 # A second folder. joined: slice_a as two records, cut in the middle of a gene of 600 bases or
 # more, with slice_a's gene set, whose positions count along the records read in order.
+# gapped: slice_b as three records, the middle one 12 N, cut between genes, with slice_b's genes
+# after the cut moved by 12 (dropping the N record would shift them back and change their bases).
 # half_used and under_half: slice_a with its genes and partial copies of them, which training
 # turns away, so that exactly half of the genes, or one gene fewer than half, are used.
 # empty: a FASTA without sequence.
@@ -139,6 +141,23 @@ tail -n +2 genomes/slice_a.fasta | tr -d '\n' > slice_a.txt
 } | gzip > more/joined.fasta.gz
 rm slice_a.txt
 cp genomes/slice_a.genes more/joined.genes
+gap_at=$(gzip -dc genomes/slice_b.genes.gz | tr -d '<>' | sort -k3,3n |
+  awk '!at && $3 > 300000 && $3 > reach + 1 { at = reach } $4 > reach { reach = $4 } END { print at }')
+[ "$gap_at" -gt 0 ] || fail "no room between the genes of slice_b"
+gzip -dc genomes/slice_b.fasta.gz | tail -n +2 | tr -d '\n' > slice_b.txt
+{
+  echo ">part_1"
+  head -c "$gap_at" slice_b.txt | fold -w 80
+  printf '\n>gap\nNNNNNNNNNNNN\n>part_2\n'
+  tail -c +$((gap_at + 1)) slice_b.txt | fold -w 80
+} > more/gapped.fasta
+rm slice_b.txt
+gzip -dc genomes/slice_b.genes.gz | awk -v at="$gap_at" 'BEGIN { OFS = "\t" }
+  { l = $3; r = $4; lp = ""; rp = ""
+    if (l ~ /^</) { lp = "<"; l = substr(l, 2) }
+    if (r ~ /^>/) { rp = ">"; r = substr(r, 2) }
+    if (l > at) { l += 12; r += 12 }
+    $3 = lp l; $4 = rp r; print }' > more/gapped.genes
 : > more/empty.fasta
 cp genomes/slice_a.genes more/empty.genes
 partial_copies() { # count: the first count genes of slice_a, open at the left end
@@ -176,12 +195,17 @@ cmp -s <(awk '$1 != "NAME"' local/models/slice_a.mod) <(awk '$1 != "NAME"' more-
   fail "the model of the joined records differs from slice_a's"
 [ "$(awk '$1 == "NAME" { print $2 }' more-out/models/joined.mod)" = joined ] || fail "joined.mod NAME"
 cmp -s local/slice_a/cod.txt more-out/joined/cod.txt || fail "the training genes of joined differ from slice_a's"
+grep -q "joined 3 records, 700012 bases" more-out/logs/gapped.unpack.log || fail "gapped.unpack.log does not tell the join"
+cmp -s local/slice_b/cod.txt more-out/gapped/cod.txt || fail "the training genes of gapped differ from slice_b's"
 summary=more-out/summary.tsv
 [ "$(head -1 "$summary")" = "$header" ] || fail "$summary header: $(head -1 "$summary")"
-[ "$(cut -f1 "$summary" | tail -n +2 | tr '\n' ' ')" = "half_used joined under_half " ] ||
+[ "$(cut -f1 "$summary" | tail -n +2 | tr '\n' ' ')" = "gapped half_used joined under_half " ] ||
   fail "$summary genomes: $(cut -f1 "$summary" | tr '\n' ' ')"
 [ "$(awk -F'\t' '$1 == "joined"' "$summary" | cut -f2-)" = "$(cut -f2- <<< "$row_a")" ] ||
   fail "joined's summary row differs from slice_a's"
+row_b=$(awk -F'\t' '$1 == "slice_b"' local/summary.tsv)
+[ "$(awk -F'\t' '$1 == "gapped"' "$summary" | cut -f2,4,5)" = "$(printf '700012\t%s' "$(cut -f4,5 <<< "$row_b")")" ] ||
+  fail "gapped's summary row: $(awk -F'\t' '$1 == "gapped"' "$summary")"
 while IFS=$'\t' read -r genome bases gc genes used atg gtg ttg ctg low; do
   case $genome in
     half_used) want_genes=$((2 * used_a)) want_low=no ;;
@@ -193,7 +217,8 @@ while IFS=$'\t' read -r genome bases gc genes used atg gtg ttg ctg low; do
   [ "$low" = "$want_low" ] || fail "$genome: low_training_share $low with $used of $genes genes used"
   echo "  $genome: $used of $genes genes used, low_training_share $low"
 done < <(tail -n +2 "$summary")
-echo "  joined: 2 records cut at base $cut_at refused, then joined to slice_a's model"
+echo "  joined: 2 records cut at base $cut_at refused, then joined to slice_a's model;" \
+  "gapped: 12 N between bases $gap_at and $((gap_at + 1)) of slice_b, the same training genes"
 more_time=$(($(date +%s) - start))
 times=""
 
