@@ -6,16 +6,38 @@
 #   genes (--pre_start), a model with ribosome binding site sections from a fixed motif window
 #   (--mkmod --fixmotif) and the agreement of the gene set with itself (--compare).
 #
-#   demo.sh [BINARY [OUTPUT_FOLDER]]      (defaults: build/genetrain, build/demo)
+#   demo.sh [BINARY [OUTPUT_FOLDER]]
 #
-# `make demo` builds the tool and runs this script. Every file it writes goes to OUTPUT_FOLDER,
-# which is emptied of the demo's own files first; the tools' messages go to OUTPUT_FOLDER/log.txt.
+# Without BINARY the script takes the installed program next to it (PREFIX/bin/genetrain for
+# PREFIX/share/genetrain/examples/demo.sh), else in a source tree build/genetrain, else
+# genetrain on the PATH. OUTPUT_FOLDER defaults to genetrain-demo in the current folder, as the
+# installed examples folder is usually not writable. `make demo` builds the tool and runs this
+# script with build/genetrain and build/demo. Every file it writes goes to OUTPUT_FOLDER, which is
+# emptied of the demo's own files first; the tools' messages go to OUTPUT_FOLDER/log.txt.
 set -euo pipefail
 
 examples=$(cd "$(dirname "$0")" && pwd)
-bin=$(realpath "${1:-build/genetrain}")
-out=${2:-build/demo}
-[ -x "$bin" ] || { echo "demo: no executable $bin (run make first)" >&2; exit 1; }
+if [ $# -ge 1 ]; then
+  bin=$1
+  # A bare name is looked up on the PATH, as the shell would.
+  case $bin in */*) ;; *) bin=$(command -v "$bin" || echo "$bin") ;; esac
+elif [[ $examples == */share/genetrain/examples && -x $examples/../../../bin/genetrain ]]; then
+  bin=$examples/../../../bin/genetrain
+elif [ -x "$examples/../build/genetrain" ] && [ -e "$examples/../CMakeLists.txt" ]; then
+  bin=$examples/../build/genetrain
+elif command -v genetrain > /dev/null; then
+  bin=$(command -v genetrain)
+else
+  echo "demo: no genetrain next to $examples, in a build folder or on the PATH;" \
+    "give the program as first argument" >&2
+  exit 1
+fi
+if [ ! -f "$bin" ] || [ ! -x "$bin" ]; then
+  echo "demo: no executable $bin (run make first)" >&2
+  exit 1
+fi
+bin=$(realpath "$bin")
+out=${2:-genetrain-demo}
 mkdir -p "$out"
 out=$(realpath "$out")
 cd "$out"
