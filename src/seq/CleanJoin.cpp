@@ -231,8 +231,8 @@ bool SSeq::Clean(Param& param) {
   // Two streams (devices, pipes) may be one: then the masked copy follows the clean one. A file
   // replaced whole is renamed into place at the end, the masked one last, so one pass serves
   // both even where the two names are one file.
-  const bool onePass = OutputFile::ReplacesWhole(options.outClean) ||
-                       OutputFile::ReplacesWhole(options.outMasked);
+  const bool onePass =
+      OutputFile::ReplacesWhole(options.outClean) || OutputFile::ReplacesWhole(options.outMasked);
   OutputFile cleanFile;
   OutputFile maskedFile;
   if (!cleanFile.Open(options.outClean)) return false;

@@ -114,8 +114,8 @@ bool WriteWholeRecord(std::string_view label, std::string& sequence, const Split
                       std::int64_t& k, std::string& text) {
   ++k;
   if (sequence.size() < static_cast<std::size_t>(options.minimum)) return true;
-  return WritePart(SSeq::MakeName(options.base, "_", k), label, sequence, 0, sequence.size(), options,
-            text);
+  return WritePart(SSeq::MakeName(options.base, "_", k), label, sequence, 0, sequence.size(),
+                   options, text);
 }
 
 // The label line of a piece: its record's label and its 1-based first and last position.

@@ -192,7 +192,7 @@ TEST(OutputFile, AppendAddsWholeOrCutsBackToTheOldSize) {
   EXPECT_EQ(test::ReadFile(path), std::string(1000, 'o') + "first\n");
   // A file size limit of 2 KB makes the write of 3 KB stop part way, as a full disk does.
   const int status = InChild([&] {
-    const struct rlimit limit {2048, 2048};
+    const struct rlimit limit { 2048, 2048 };
     ::setrlimit(RLIMIT_FSIZE, &limit);
     std::signal(SIGXFSZ, SIG_IGN);
     ::_exit(WriteFile(path, std::string(3000, 'x'), OutputMode::kAppend) ? 0 : 1);
