@@ -6,6 +6,10 @@ command -v cmake >/dev/null || missing+=(cmake)
 command -v g++ >/dev/null || missing+=(g++)
 [ -e /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
 [ -e /usr/include/zlib.h ] || missing+=(zlib1g-dev)
+# `make package` (CI's make test-package): with dpkg-shlibdeps there, CMakeLists.txt has CPack work
+# out the package's dependencies, and CPack then stops without the file utility. cpack itself comes
+# with cmake, and dpkg-deb with dpkg, which every Debian system has.
+if command -v dpkg-shlibdeps >/dev/null; then command -v file >/dev/null || missing+=(file); fi
 [ ${#missing[@]} -eq 0 ] && exit 0
 if [ "$(id -u)" -ne 0 ]; then
   echo "missing: ${missing[*]}; install them with: sudo apt-get install ${missing[*]}" >&2
