@@ -1,6 +1,7 @@
 #include "driver/Usage.h"
 
 #include <cstdio>
+#include <string_view>
 
 namespace genetrain {
 
@@ -161,10 +162,6 @@ Usage:
 )";
 
 }  // namespace
-
-std::string_view UsageText() {
-  return kUsage;
-}
 
 void PrintUsage() {
   std::fwrite(kUsage.data(), 1, kUsage.size(), stdout);

@@ -16,22 +16,6 @@ namespace genetrain {
 
 namespace {
 
-// Both joins of the record holder, into a string; `ranges` is null for the unmarked one.
-std::size_t JoinInto(const std::vector<SeqRecord>& records, std::string& out,
-                     std::string_view filler, std::int32_t minimum, SSeq::Tally& all,
-                     SSeq::Tally& kept, std::vector<SSeq::Range>* ranges) {
-  out.clear();
-  JoinedText text(out);
-  RecordJoiner joiner(filler, minimum);
-  joiner.AddOutput(text);
-  if (ranges != nullptr) joiner.RecordFillers(*ranges);
-  for (const SeqRecord& record : records) joiner.Add(record.sequence);
-  text.Finish();
-  all.Add(joiner.All());
-  kept.Add(joiner.Kept());
-  return joiner.KeptRecords();
-}
-
 // A FASTA file whose records are joined straight from the loaded text: no record is copied.
 struct RawFasta {
   FileBuf file;
@@ -51,36 +35,6 @@ struct RawFasta {
 };
 
 }  // namespace
-
-std::size_t SSeq::JoinRecords(std::string& out, std::string_view filler, std::int32_t minimum,
-                              Tally& all, Tally& kept) const {
-  return JoinInto(records_, out, filler, minimum, all, kept, nullptr);
-}
-
-std::size_t SSeq::JoinRecordsMarked(std::string& out, std::string_view filler, std::int32_t minimum,
-                                    Tally& all, Tally& kept, std::vector<Range>& ranges) const {
-  return JoinInto(records_, out, filler, minimum, all, kept, &ranges);
-}
-
-void SSeq::TrimNRuns(std::string& text, std::int32_t maximum) {
-  if (maximum < 0) return;
-  std::string trimmed;
-  JoinedText edited(trimmed);
-  edited.TrimRuns(static_cast<std::size_t>(maximum));
-  edited.Put(text);
-  edited.Finish();
-  text.swap(trimmed);
-}
-
-void SSeq::ReplaceNRuns(std::string& text, std::vector<Range>& ranges, std::string_view left,
-                        std::string_view right) {
-  std::string flanked;
-  JoinedText edited(flanked);
-  edited.FlankRuns(left, right, &ranges);
-  edited.Put(text);
-  edited.Finish();
-  text.swap(flanked);
-}
 
 namespace {
 

@@ -66,13 +66,6 @@ class SSeq : public Report {
   bool CleanJoin(Param& param);
   bool Clean(Param& param);
   bool Mask(Param& param);
-  std::size_t JoinRecords(std::string& out, std::string_view filler, std::int32_t minimum,
-                          Tally& all, Tally& kept) const;
-  std::size_t JoinRecordsMarked(std::string& out, std::string_view filler, std::int32_t minimum,
-                                Tally& all, Tally& kept, std::vector<Range>& ranges) const;
-  static void TrimNRuns(std::string& text, std::int32_t maximum);
-  static void ReplaceNRuns(std::string& text, std::vector<Range>& ranges, std::string_view left,
-                           std::string_view right);
 
   // Splitting (--split).
   bool Split(Param& param);
