@@ -30,7 +30,7 @@ bool LoadAnnotated(VSeq& seq, GeneSet& set, Param& param, bool twoColumn) {
   return twoColumn ? set.LoadShifted(param, true) : set.Load(param);
 }
 
-CodeSeq VSeq::GeneSeq(int left, int right, int strand) const {
+CodeSeq VSeq::GeneSeq(int left, int right, Strand strand) const {
   // Clipped to the sequence: a gene the gene set lets end one base past it comes out short and
   // is turned away by the caller's length check.
   const std::int64_t first = std::max(left, 0);
@@ -39,7 +39,7 @@ CodeSeq VSeq::GeneSeq(int left, int right, int strand) const {
   CodeSeq piece;
   if (first > last) return piece;
   piece.assign(sequence.begin() + first, sequence.begin() + last + 1);
-  if (strand == 2) {
+  if (strand == Strand::kReverse) {
     std::reverse(piece.begin(), piece.end());
     for (std::uint8_t& code : piece) code = Complement(code);
   }

@@ -261,7 +261,7 @@ class Scan {
 
   void Emit(std::int64_t end, std::int64_t start, bool stop_seen, bool closed) {
     GENE orf;
-    orf.strand = kDirect ? 1 : 2;
+    orf.strand = kDirect ? Strand::kDirect : Strand::kReverse;
     orf.left = static_cast<std::int32_t>(kDirect ? start : end);
     orf.right = static_cast<std::int32_t>(kDirect ? end : start);
     orf.left_complete = kDirect ? stop_seen : closed;
