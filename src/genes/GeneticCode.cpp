@@ -44,7 +44,7 @@ CodeSeq VSeq::GeneSeq(int left, int right, Strand strand) const {
     for (std::uint8_t& code : piece) code = Complement(code);
   }
   for (std::size_t i = 0; i + 2 < piece.size(); i += 3) {
-    if (piece[i] > 3 || piece[i + 1] > 3 || piece[i + 2] > 3) continue;
+    if (!IsBase(piece[i]) || !IsBase(piece[i + 1]) || !IsBase(piece[i + 2])) continue;
     if (!stops[CodonIndex(piece[i], piece[i + 1], piece[i + 2])]) continue;
     const std::size_t end = i + 3;  // one past the stop codon's last base
     if (end >= piece.size() - 1) break;

@@ -52,7 +52,7 @@ using LetterOfCode = std::array<char, 256>;
 constexpr LetterOfCode LettersFor(std::string_view acgt) {
   LetterOfCode letters{};
   for (std::size_t code = 0; code < letters.size(); ++code)
-    letters[code] = code < 4 ? acgt[code] : 'N';
+    letters[code] = IsBase(static_cast<std::uint8_t>(code)) ? acgt[code] : 'N';
   return letters;
 }
 

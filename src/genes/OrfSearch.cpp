@@ -59,7 +59,10 @@ namespace {
 void Codons(const std::uint8_t* bases, std::size_t count, std::uint8_t* out) {
   for (std::size_t i = 0; i < count; ++i) {
     const unsigned b1 = bases[i], b2 = bases[i + 1], b3 = bases[i + 2];
-    out[i] = static_cast<std::uint8_t>((b1 | b2 | b3) < 4 ? 16 * b1 + 4 * b2 + b3 : ORF::kNoCodon);
+    // Every code that is not a base has a bit above the lowest two set, so one test of the three
+    // codes together tells whether all are bases.
+    const bool bases = IsBase(static_cast<std::uint8_t>(b1 | b2 | b3));
+    out[i] = static_cast<std::uint8_t>(bases ? 16 * b1 + 4 * b2 + b3 : ORF::kNoCodon);
   }
 }
 

@@ -35,7 +35,7 @@ class VSeq {
   // clipped to the sequence; `right_end` is the gene's right + 1.
   CodeSeq RegionSeq(int left, int right_end, Strand strand, int upstream, int inside) const;
 
-  static std::uint8_t Complement(std::uint8_t code) { return code < 4 ? 3 - code : kOther; }
+  static std::uint8_t Complement(std::uint8_t code) { return IsBase(code) ? 3 - code : kOther; }
   // The codon index 16 * b1 + 4 * b2 + b3 of three codes below 4.
   static unsigned CodonIndex(std::uint8_t b1, std::uint8_t b2, std::uint8_t b3) {
     return 16u * b1 + 4u * b2 + b3;
