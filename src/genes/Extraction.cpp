@@ -50,12 +50,12 @@ bool CodingPiece(const VSeq& seq, const GENE& gene, const CodingRules& rules, Co
   if (std::int64_t{gene.right} - gene.left < margins) return false;
   // A negative right margin may reach past the sequence: GeneSeq clips, the length check below
   // then turns the gene away.
-  if (gene.strand == 2) {
+  if (gene.strand == Strand::kReverse) {
     piece = seq.GeneSeq(ClampToInt(gene.left + rules.right_margin),
-                        ClampToInt(gene.right - rules.left_margin), 2);
+                        ClampToInt(gene.right - rules.left_margin), Strand::kReverse);
   } else {
     piece = seq.GeneSeq(ClampToInt(gene.left + rules.left_margin),
-                        ClampToInt(gene.right - rules.right_margin), 1);
+                        ClampToInt(gene.right - rules.right_margin), Strand::kDirect);
   }
   return static_cast<std::int64_t>(piece.size()) == trimmed;
 }

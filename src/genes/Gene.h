@@ -3,13 +3,15 @@
 
 #include <cstdint>
 
+#include "genes/Strand.h"
+
 namespace genetrain {
 
 // One line of a gene set: coordinates are 0-based and inclusive, in sequence orientation
 // (left <= right) whatever the strand; a reverse gene starts at `right` and stops at `left`.
 struct GENE {
-  std::int32_t strand = 0;  // 0 not set, 1 direct ("+"), 2 reverse ("-")
-  std::int32_t left = -1;   // -1: not set
+  Strand strand = Strand::kNone;  // "+" direct, "-" reverse
+  std::int32_t left = -1;         // -1: not set
   std::int32_t right = -1;
   bool left_complete = true;    // false when written "<left": the gene runs off the left end
   bool right_complete = true;   // false when written ">right"

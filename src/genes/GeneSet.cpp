@@ -105,9 +105,9 @@ GENE GeneSet::ParseLine(std::string_view line) const {
   SplitTokens(line, kSeparators, tokens);
   if (tokens.size() != 6) return gene;
   if (tokens[1] == "+") {
-    gene.strand = 1;
+    gene.strand = Strand::kDirect;
   } else if (tokens[1] == "-") {
-    gene.strand = 2;
+    gene.strand = Strand::kReverse;
   } else {
     return gene;
   }
@@ -148,14 +148,14 @@ std::string GeneSet::StatText() const {
       text.append(std::to_string(next.right)).append(" check input data\n");
       continue;
     }
-    if (current.strand != 1 && current.strand != 2) {
+    if (!HasStrand(current.strand)) {
       text.append("no direction set for gene\n");
       continue;
     }
     const bool overlap = current.right >= next.left;
-    const int kind = current.strand == next.strand ? kSame
-                     : current.strand == 1         ? kDirect
-                                                   : kReverse;
+    const int kind = current.strand == next.strand       ? kSame
+                     : current.strand == Strand::kDirect ? kDirect
+                                                         : kReverse;
     ++counts[static_cast<std::size_t>(kind + (overlap ? 1 : 0))];
   }
   for (const std::uint64_t count : counts) text.append(std::to_string(count)).append(" ");

@@ -30,7 +30,7 @@ bool LoadAnnotated(VSeq& seq, GeneSet& set, Param& param, bool twoColumn) {
   return twoColumn ? set.LoadShifted(param, true) : set.Load(param);
 }
 
-CodeSeq VSeq::GeneSeq(int left, int right, int strand) const {
+CodeSeq VSeq::GeneSeq(int left, int right, Strand strand) const {
   // Clipped to the sequence: a gene the gene set lets end one base past it comes out short and
   // is turned away by the caller's length check.
   const std::int64_t first = std::max(left, 0);
@@ -39,12 +39,12 @@ CodeSeq VSeq::GeneSeq(int left, int right, int strand) const {
   CodeSeq piece;
   if (first > last) return piece;
   piece.assign(sequence.begin() + first, sequence.begin() + last + 1);
-  if (strand == 2) {
+  if (strand == Strand::kReverse) {
     std::reverse(piece.begin(), piece.end());
     for (std::uint8_t& code : piece) code = Complement(code);
   }
   for (std::size_t i = 0; i + 2 < piece.size(); i += 3) {
-    if (piece[i] > 3 || piece[i + 1] > 3 || piece[i + 2] > 3) continue;
+    if (!IsBase(piece[i]) || !IsBase(piece[i + 1]) || !IsBase(piece[i + 2])) continue;
     if (!stops[CodonIndex(piece[i], piece[i + 1], piece[i + 2])]) continue;
     const std::size_t end = i + 3;  // one past the stop codon's last base
     if (end >= piece.size() - 1) break;

@@ -28,7 +28,9 @@ struct Interior {
 
 Interior InteriorOf(const GENE& orf, std::int64_t left_margin, std::int64_t right_margin) {
   // The left margin is always taken at the start codon, the right one at the stop codon.
-  if (orf.strand == 1) return {orf.left + left_margin + 2, orf.right - 2 - right_margin};
+  if (orf.strand == Strand::kDirect) {
+    return {orf.left + left_margin + 2, orf.right - 2 - right_margin};
+  }
   return {orf.left + right_margin + 2, orf.right - 2 - left_margin};
 }
 
@@ -50,7 +52,7 @@ using LetterOfCode = std::array<char, 256>;
 constexpr LetterOfCode LettersFor(std::string_view acgt) {
   LetterOfCode letters{};
   for (std::size_t code = 0; code < letters.size(); ++code)
-    letters[code] = code < 4 ? acgt[code] : 'N';
+    letters[code] = IsBase(static_cast<std::uint8_t>(code)) ? acgt[code] : 'N';
   return letters;
 }
 
@@ -85,16 +87,15 @@ void AppendBases(std::string& text, const CodeSeq& codes, Interior span, bool re
   }
 }
 
-void AppendSequenceEntry(std::string& text, const CodeSeq& codes, Interior span,
-                         std::int32_t strand) {
+void AppendSequenceEntry(std::string& text, const CodeSeq& codes, Interior span, Strand strand) {
   text.append("> POS_L ");
   AppendInteger(text, span.from);
   text.append(" POS_R ");
   AppendInteger(text, span.to);
   text.append(" STRAND(1/2) ");
-  AppendInteger(text, strand);
+  AppendInteger(text, StrandNumber(strand));
   text.push_back('\n');
-  AppendBases(text, codes, span, strand == 2);
+  AppendBases(text, codes, span, strand == Strand::kReverse);
 }
 
 // The output file is the value of the command key itself; empty (or absent) = standard output.
@@ -125,11 +126,12 @@ bool ORF::ListWithMargins(Param& param, const VSeq& seq, std::string& list) cons
   std::string text;
   text.reserve(size);
   for (const GENE& orf : orfs) {
-    if (orf.strand != 1 && orf.strand != 2) continue;
+    if (!HasStrand(orf.strand)) continue;
     const Interior span = InteriorOf(orf, lm, rm);
     if (span.from >= span.to) continue;
     if (out == 0) {
-      AppendNumbers<4>(text, {span.from, span.to, span.to - span.from + 1, orf.strand});
+      AppendNumbers<4>(text,
+                       {span.from, span.to, span.to - span.from + 1, StrandNumber(orf.strand)});
     } else {
       AppendSequenceEntry(text, seq.sequence, span, orf.strand);
     }
@@ -142,10 +144,11 @@ std::string ORF::ListPlain() const {
   std::string text, errors;
   text.reserve(orfs.size() * 40);
   for (const GENE& orf : orfs) {
-    if (orf.strand != 1 && orf.strand != 2) continue;
+    if (!HasStrand(orf.strand)) continue;
     const std::int64_t from = orf.left + 2, to = orf.right - 2;
     if (from < to) {
-      AppendNumbers<4>(text, {from, to, std::int64_t{orf.right} - orf.left - 3, orf.strand});
+      AppendNumbers<4>(
+          text, {from, to, std::int64_t{orf.right} - orf.left - 3, StrandNumber(orf.strand)});
     } else {
       errors.append("error orf\n");
     }

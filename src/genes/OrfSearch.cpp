@@ -59,7 +59,10 @@ namespace {
 void Codons(const std::uint8_t* bases, std::size_t count, std::uint8_t* out) {
   for (std::size_t i = 0; i < count; ++i) {
     const unsigned b1 = bases[i], b2 = bases[i + 1], b3 = bases[i + 2];
-    out[i] = static_cast<std::uint8_t>((b1 | b2 | b3) < 4 ? 16 * b1 + 4 * b2 + b3 : ORF::kNoCodon);
+    // Every code that is not a base has a bit above the lowest two set, so one test of the three
+    // codes together tells whether all are bases.
+    const bool bases = IsBase(static_cast<std::uint8_t>(b1 | b2 | b3));
+    out[i] = static_cast<std::uint8_t>(bases ? 16 * b1 + 4 * b2 + b3 : ORF::kNoCodon);
   }
 }
 
@@ -261,7 +264,7 @@ class Scan {
 
   void Emit(std::int64_t end, std::int64_t start, bool stop_seen, bool closed) {
     GENE orf;
-    orf.strand = kDirect ? 1 : 2;
+    orf.strand = kDirect ? Strand::kDirect : Strand::kReverse;
     orf.left = static_cast<std::int32_t>(kDirect ? start : end);
     orf.right = static_cast<std::int32_t>(kDirect ? end : start);
     orf.left_complete = kDirect ? stop_seen : closed;

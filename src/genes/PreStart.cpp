@@ -18,6 +18,18 @@ namespace genetrain {
 
 namespace {
 
+// The strand as the gene set file writes it, and '.' for a record without one.
+char StrandSign(Strand strand) {
+  switch (strand) {
+    case Strand::kDirect:
+      return '+';
+    case Strand::kReverse:
+      return '-';
+    default:
+      return '.';
+  }
+}
+
 // " left right strand\n" with 1-based coordinates, as the gene set file writes them.
 std::string Label(const GENE& gene) {
   std::string label;
@@ -27,7 +39,7 @@ std::string Label(const GENE& gene) {
   label.push_back(' ');
   AppendInteger(label, std::int64_t{gene.right} + 1);
   label.push_back(' ');
-  label.push_back(gene.strand == 1 ? '+' : gene.strand == 2 ? '-' : '.');
+  label.push_back(StrandSign(gene.strand));
   label.push_back('\n');
   return label;
 }
@@ -36,7 +48,9 @@ std::string Label(const GENE& gene) {
 // upstream part; the first direct and the last reverse record have no neighbour there.
 bool HasIntergenicRoom(const std::vector<GENE>& genes, std::size_t i, std::int64_t upstream) {
   const GENE& gene = genes[i];
-  if (gene.strand == 1) return i > 0 && std::int64_t{gene.left} - genes[i - 1].right >= upstream;
+  if (gene.strand == Strand::kDirect) {
+    return i > 0 && std::int64_t{gene.left} - genes[i - 1].right >= upstream;
+  }
   return i + 1 < genes.size() && std::int64_t{genes[i + 1].left} - gene.right >= upstream;
 }
 
@@ -53,9 +67,9 @@ bool TakesPreStart(const std::vector<GENE>& genes, std::size_t i, const PreStart
   const GENE& gene = genes[i];
   if (!gene.valid) return false;
   if (std::int64_t{gene.right} + 1 - gene.left < rules.min_cod) return false;
-  if (gene.strand == 1) {
+  if (gene.strand == Strand::kDirect) {
     if (!gene.left_complete || gene.left < rules.upstream) return false;
-  } else if (gene.strand == 2) {
+  } else if (gene.strand == Strand::kReverse) {
     if (!gene.right_complete || gene.right > rules.length - rules.upstream) return false;
   } else {
     return false;  // no strand, no start
@@ -65,18 +79,18 @@ bool TakesPreStart(const std::vector<GENE>& genes, std::size_t i, const PreStart
 
 }  // namespace
 
-CodeSeq VSeq::RegionSeq(int left, int right_end, int strand, int upstream, int inside) const {
+CodeSeq VSeq::RegionSeq(int left, int right_end, Strand strand, int upstream, int inside) const {
   const std::int64_t length = static_cast<std::int64_t>(sequence.size());
   std::int64_t begin = std::int64_t{left} - upstream;
   std::int64_t end = std::int64_t{left} + inside;
-  if (strand == 2) {
+  if (strand == Strand::kReverse) {
     begin = std::int64_t{right_end} - inside;
     end = std::int64_t{right_end} + upstream;
   }
   begin = std::clamp<std::int64_t>(begin, 0, length);
   end = std::clamp<std::int64_t>(end, begin, length);
   CodeSeq region(sequence.begin() + begin, sequence.begin() + end);
-  if (strand == 2) {
+  if (strand == Strand::kReverse) {
     std::reverse(region.begin(), region.end());
     for (std::uint8_t& code : region) code = Complement(code);
   }

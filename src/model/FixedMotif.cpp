@@ -7,6 +7,7 @@
 #include "common/Message.h"
 #include "model/ModelBuild.h"
 #include "motif/PositionMatrix.h"
+#include "seq/LetterTables.h"
 
 namespace genetrain {
 
@@ -42,7 +43,7 @@ bool CountMatrix(const std::vector<CodeSeq>& windows, std::int64_t pseudocount,
       return false;
     }
     for (std::size_t position = 0; position < matrix.size(); ++position) {
-      matrix[position][window[position] < 4 ? window[position] : 4] += 1.0;
+      matrix[position][IsBase(window[position]) ? window[position] : 4] += 1.0;
     }
   }
   for (MatrixRow& row : matrix) {

@@ -14,6 +14,7 @@
 
 #include "common/Format.h"
 #include "common/Message.h"
+#include "seq/LetterTables.h"
 
 namespace genetrain {
 
@@ -29,7 +30,7 @@ using LetterMap = std::array<std::uint8_t, 256>;
 constexpr LetterMap MakeLetterMap(bool complement) {
   LetterMap map{};
   for (std::size_t code = 0; code < map.size(); ++code) {
-    if (code > 3) {
+    if (!IsBase(static_cast<std::uint8_t>(code))) {
       map[code] = 4;
     } else {
       map[code] = static_cast<std::uint8_t>(complement ? 3 - code : code);
@@ -270,7 +271,7 @@ bool MkChain::CanEstimate(const std::vector<CodeSeq>& sequences) const {
     // (p - count_order) % period.
     int known = 0;
     for (std::int64_t p = 0; p < length - left_margin - right_margin; ++p) {
-      known = sequence[static_cast<std::size_t>(left_margin + p)] < 4 ? known + 1 : 0;
+      known = IsBase(sequence[static_cast<std::size_t>(left_margin + p)]) ? known + 1 : 0;
       if (known >= letters) counted[static_cast<std::size_t>((p - count_order) % period)] = true;
     }
   }

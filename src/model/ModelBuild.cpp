@@ -9,6 +9,7 @@
 #include "model/MkChain.h"
 #include "model/ModelBuild.h"
 #include "model/ModelFile.h"
+#include "seq/LetterTables.h"
 
 namespace genetrain {
 
@@ -152,7 +153,10 @@ void EstimateStartCodons(Genome& genome) {
   genome.start_probs.assign(64, 0.0);
   for (const std::vector<CodeSeq>* list : {&genome.cod1, &genome.cod2}) {
     for (const CodeSeq& sequence : *list) {
-      if (sequence.size() < 3 || sequence[0] > 3 || sequence[1] > 3 || sequence[2] > 3) continue;
+      if (sequence.size() < 3 || !IsBase(sequence[0]) || !IsBase(sequence[1]) ||
+          !IsBase(sequence[2])) {
+        continue;
+      }
       ++genome.start_counts[VSeq::CodonIndex(sequence[0], sequence[1], sequence[2])];
     }
   }

@@ -15,11 +15,11 @@ constexpr std::string_view kEmptySetWarning = "warning, gene set in comparision 
 
 // A direct gene stops at `right`; every other strand value, 0 included, stops at `left`.
 std::int32_t StopEnd(const GENE& gene) {
-  return gene.strand == 1 ? gene.right : gene.left;
+  return gene.strand == Strand::kDirect ? gene.right : gene.left;
 }
 
 std::int32_t StartEnd(const GENE& gene) {
-  return gene.strand == 1 ? gene.left : gene.right;
+  return gene.strand == Strand::kDirect ? gene.left : gene.right;
 }
 
 // Strand and stop end in one number: two genes can only pair when these agree.
@@ -67,7 +67,7 @@ void Compare::Match() {
     const auto found = std::lower_bound(partners.begin(), partners.end(), key, byKey);
     if (found == partners.end() || found->key != key) continue;
     const bool exact = found->start == StartEnd(gene);
-    if (gene.strand == 1) {
+    if (gene.strand == Strand::kDirect) {
       ++(exact ? match_both_direct : match_stop_direct);
     } else {
       ++(exact ? match_both_reverse : match_stop_reverse);

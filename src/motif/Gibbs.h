@@ -14,22 +14,24 @@
 
 namespace genetrain {
 
+// The layouts of the motif finder's output, as Gibbs::DetectLayout tells them.
+enum class GibbsLayout {
+  kUnreadable,  // the file could not be read
+  kMotif,       // sites listed under "MOTIF A"
+  kNumMotifs,   // a "Gibbs" line at the top, sites after "Num Motifs"
+};
+
 // The ribosome binding site model built from a Gibbs sampler's motif sites: the position matrix
 // of the motif and the distribution of the spacer between the motif and the gene start.
 class Gibbs : public Report {
  public:
-  // The two layouts of the motif finder's output, as DetectLayout tells them.
-  static constexpr int kUnreadable = 0;
-  static constexpr int kMotifLayout = 1;      // sites listed under "MOTIF A"
-  static constexpr int kNumMotifsLayout = 3;  // a "Gibbs" line at the top, sites after "Num Motifs"
-
   // The --gibbs command: reads the sites of the file named by --gibbs, checks them against the
   // regions of --seq, appends the RBS sections to the --mod file and a listing to the --log file.
   bool Run(Param& param);
 
-  // kNumMotifsLayout when one of the first eleven lines begins with "Gibbs", else kMotifLayout;
-  // kUnreadable, with its message, when the file cannot be read.
-  int DetectLayout(const std::string& name);
+  // kNumMotifs when one of the first eleven lines begins with "Gibbs", else kMotif; kUnreadable,
+  // with its message, when the file cannot be read.
+  GibbsLayout DetectLayout(const std::string& name);
   // Append the sites and start positions found in the file; warnings about odd lines go to
   // standard output. False only when the file cannot be read.
   bool ParseMotifLayout(const std::string& name);

@@ -128,15 +128,15 @@ void Gibbs::TakeSiteLine(std::string_view line, const std::string_view* tokens, 
 }
 
 // Only the eleventh line is still looked at when the first ten hold no "Gibbs" line.
-int Gibbs::DetectLayout(const std::string& name) {
+GibbsLayout Gibbs::DetectLayout(const std::string& name) {
   std::string text;
-  if (!LoadText(name, text)) return kUnreadable;
+  if (!LoadText(name, text)) return GibbsLayout::kUnreadable;
   Lines lines(text);
   std::string_view line;
   for (int count = 1; count <= 11 && lines.Next(line); ++count) {
-    if (line.starts_with("Gibbs")) return kNumMotifsLayout;
+    if (line.starts_with("Gibbs")) return GibbsLayout::kNumMotifs;
   }
-  return kMotifLayout;
+  return GibbsLayout::kMotif;
 }
 
 bool Gibbs::ParseMotifLayout(const std::string& name) {
@@ -189,13 +189,14 @@ bool Gibbs::ParseNumMotifsLayout(const std::string& name) {
 
 bool Gibbs::Parse(const std::string& name) {
   switch (DetectLayout(name)) {
-    case kMotifLayout:
+    case GibbsLayout::kMotif:
       return ParseMotifLayout(name);
-    case kNumMotifsLayout:
+    case GibbsLayout::kNumMotifs:
       return ParseNumMotifsLayout(name);
-    default:
-      return false;
+    case GibbsLayout::kUnreadable:
+      break;
   }
+  return false;  // DetectLayout has reported why
 }
 
 }  // namespace genetrain

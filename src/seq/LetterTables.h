@@ -19,6 +19,12 @@ const LetterTable& CasePreservingLetterTable();
 enum BaseCode : std::uint8_t { kA = 0, kC = 1, kG = 2, kT = 3, kOther = 4, kMasked = 5 };
 inline constexpr std::uint8_t kDropped = 0xff;
 
+// Whether the code is an unambiguous base, A, C, G or T: only those take part in codons, words
+// and complements.
+constexpr bool IsBase(std::uint8_t code) {
+  return code < kOther;
+}
+
 // Maps every input byte to its base code, or kDropped for a byte that is not a letter.
 using CodeTable = std::array<std::uint8_t, 256>;
 const CodeTable& BaseCodeTable();

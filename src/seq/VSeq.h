@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/Param.h"
+#include "genes/Strand.h"
 #include "seq/LetterTables.h"
 
 namespace genetrain {
@@ -27,14 +28,14 @@ class VSeq {
   // then reads --seq with ReadSingle.
   bool LoadForGenes(Param& param);
   // The bases left .. right (0-based, inclusive), clipped to the sequence; reverse-complemented
-  // for strand 2. Empty, with a warning on standard output, when an in-frame stop codon stands
-  // before the last codon.
-  CodeSeq GeneSeq(int left, int right, int strand) const;
+  // for the reverse strand. Empty, with a warning on standard output, when an in-frame stop codon
+  // stands before the last codon.
+  CodeSeq GeneSeq(int left, int right, Strand strand) const;
   // The region around a start codon: `upstream` bases before it and `inside` bases from it,
   // clipped to the sequence; `right_end` is the gene's right + 1.
-  CodeSeq RegionSeq(int left, int right_end, int strand, int upstream, int inside) const;
+  CodeSeq RegionSeq(int left, int right_end, Strand strand, int upstream, int inside) const;
 
-  static std::uint8_t Complement(std::uint8_t code) { return code < 4 ? 3 - code : kOther; }
+  static std::uint8_t Complement(std::uint8_t code) { return IsBase(code) ? 3 - code : kOther; }
   // The codon index 16 * b1 + 4 * b2 + b3 of three codes below 4.
   static unsigned CodonIndex(std::uint8_t b1, std::uint8_t b2, std::uint8_t b3) {
     return 16u * b1 + 4u * b2 + b3;

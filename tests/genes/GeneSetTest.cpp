@@ -10,7 +10,7 @@ namespace {
 
 // strand, left, right, left_complete, right_complete, valid, class, as one comparable text.
 std::string Show(const GENE& gene) {
-  return std::to_string(gene.strand) + " " + std::to_string(gene.left) + " " +
+  return std::to_string(StrandNumber(gene.strand)) + " " + std::to_string(gene.left) + " " +
          std::to_string(gene.right) + " " + (gene.left_complete ? "c" : "o") +
          (gene.right_complete ? "c" : "o") + " " + (gene.valid ? "valid" : "invalid") + " " +
          std::to_string(gene.gene_class);

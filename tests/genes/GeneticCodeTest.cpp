@@ -33,33 +33,35 @@ TEST(GeneSeq, InternalStopGivesAWarningAndNothing) {
       "ATGGGGGGGTAA",
       {"--TAA_", "1"});
   CaptureStdout();
-  EXPECT_TRUE(seq.GeneSeq(0, 11, 1).empty());
-  EXPECT_EQ(Letters(seq.GeneSeq(12, 23, 1)), "ATGGGGGGGTAA\n");
+  EXPECT_TRUE(seq.GeneSeq(0, 11, Strand::kDirect).empty());
+  EXPECT_EQ(Letters(seq.GeneSeq(12, 23, Strand::kDirect)), "ATGGGGGGGTAA\n");
   EXPECT_EQ(GetCapturedStdout(), "warning, STOP codon found inside protein: 0 11 6\n");
 }
 
 TEST(GeneSeq, NoStopCodonUnlessNamed) {
   const VSeq seq = Loaded("ATGTAAGGGTAA", {"--TGA_", "1", "--TAG_", "0"});
-  EXPECT_EQ(Letters(seq.GeneSeq(0, 11, 1)), "ATGTAAGGGTAA\n");
+  EXPECT_EQ(Letters(seq.GeneSeq(0, 11, Strand::kDirect)), "ATGTAAGGGTAA\n");
   testing::internal::CaptureStderr();
   const VSeq bad = Loaded("ATGTAAGGGTAA", {"--TAA_", "yes"});
   testing::internal::GetCapturedStderr();
-  EXPECT_EQ(bad.GeneSeq(0, 11, 1).size(), 12u);
+  EXPECT_EQ(bad.GeneSeq(0, 11, Strand::kDirect).size(), 12u);
 }
 
 TEST(GeneSeq, ReverseStrandIsReversedThenComplemented) {
   const VSeq seq = Loaded("TTACATGG", {"--TAA_", "1"});
   CaptureStdout();
-  EXPECT_EQ(Letters(seq.GeneSeq(0, 5, 2)), "ATGTAA\n");  // the stop is the last codon
+  EXPECT_EQ(Letters(seq.GeneSeq(0, 5, Strand::kReverse)),
+            "ATGTAA\n");  // the stop is the last codon
   EXPECT_EQ(GetCapturedStdout(), "");
-  EXPECT_EQ(Letters(seq.GeneSeq(2, 7, 2)), "CCATGT\n");
+  EXPECT_EQ(Letters(seq.GeneSeq(2, 7, Strand::kReverse)), "CCATGT\n");
 }
 
 TEST(GeneSeq, CodonWithNIsSkippedAndEndsAreClipped) {
   const VSeq seq = Loaded("ATGTNAGGGTAA", {"--TAA_", "1"});
-  EXPECT_EQ(seq.GeneSeq(0, 11, 1).size(), 12u);
-  EXPECT_EQ(Letters(seq.GeneSeq(9, 12, 1)), "TAA\n");  // one past the end comes out short
-  EXPECT_TRUE(seq.GeneSeq(12, 14, 1).empty());
+  EXPECT_EQ(seq.GeneSeq(0, 11, Strand::kDirect).size(), 12u);
+  EXPECT_EQ(Letters(seq.GeneSeq(9, 12, Strand::kDirect)),
+            "TAA\n");  // one past the end comes out short
+  EXPECT_TRUE(seq.GeneSeq(12, 14, Strand::kDirect).empty());
 }
 
 TEST(GenomeSettings, FlagsAreNumbers) {

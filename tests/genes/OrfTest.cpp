@@ -21,7 +21,7 @@ using testing::internal::GetCapturedStdout;
 
 // strand, left, right, then "c"losed or "o"pen for the left and the right side.
 std::string Show(const GENE& orf) {
-  return std::to_string(orf.strand) + " " + std::to_string(orf.left) + " " +
+  return std::to_string(StrandNumber(orf.strand)) + " " + std::to_string(orf.left) + " " +
          std::to_string(orf.right) + " " + (orf.left_complete ? "c" : "o") +
          (orf.right_complete ? "c" : "o") + (orf.valid ? "" : " invalid");
 }
@@ -79,7 +79,7 @@ void WalkDirect(const ORF& orf, std::uint32_t min, std::vector<GENE>& out) {
     }
     if (found < 0) continue;
     GENE gene;
-    gene.strand = 1;
+    gene.strand = Strand::kDirect;
     gene.left = static_cast<std::int32_t>(found);
     gene.right = static_cast<std::int32_t>(p);
     gene.left_complete = walk_stopped;
@@ -105,7 +105,7 @@ void WalkReverse(const ORF& orf, std::uint32_t min, std::vector<GENE>& out) {
     }
     if (found < 0) continue;
     GENE gene;
-    gene.strand = 2;
+    gene.strand = Strand::kReverse;
     gene.left = static_cast<std::int32_t>(s);
     gene.right = static_cast<std::int32_t>(found);
     gene.left_complete = orf.stops_reverse[orf.codon_array[s]];

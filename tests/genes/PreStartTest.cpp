@@ -153,11 +153,12 @@ TEST(RegionSeq, ClipsAtBothSequenceEnds) {
   const std::string bases = Bases(40);
   const VSeq seq = Loaded(bases);
   Genome genome = DefaultGenome();
-  EXPECT_EQ(Letters(genome, seq.RegionSeq(5, 20, 1, 10, 3)), bases.substr(0, 8));
-  EXPECT_EQ(Letters(genome, seq.RegionSeq(20, 38, 2, 10, 3)), ReverseComplement(bases.substr(35)));
+  EXPECT_EQ(Letters(genome, seq.RegionSeq(5, 20, Strand::kDirect, 10, 3)), bases.substr(0, 8));
+  EXPECT_EQ(Letters(genome, seq.RegionSeq(20, 38, Strand::kReverse, 10, 3)),
+            ReverseComplement(bases.substr(35)));
   // Windows that miss the sequence altogether come out empty.
-  EXPECT_TRUE(seq.RegionSeq(5, 20, 1, 20, -16).empty());
-  EXPECT_TRUE(seq.RegionSeq(20, 38, 2, 30, -45).empty());
+  EXPECT_TRUE(seq.RegionSeq(5, 20, Strand::kDirect, 20, -16).empty());
+  EXPECT_TRUE(seq.RegionSeq(20, 38, Strand::kReverse, 30, -45).empty());
 }
 
 }  // namespace

@@ -14,7 +14,7 @@
 namespace genetrain {
 namespace {
 
-GENE Gene(std::int32_t strand, std::int32_t left, std::int32_t right) {
+GENE Gene(Strand strand, std::int32_t left, std::int32_t right) {
   GENE gene;
   gene.strand = strand;
   gene.left = left;
@@ -47,7 +47,7 @@ Counts MatchOf(const std::vector<GENE>& source, const std::vector<GENE>& target)
 Counts LiteralMatch(const std::vector<GENE>& source, const std::vector<GENE>& target) {
   Counts counts{};
   for (const GENE& s : source) {
-    const bool direct = s.strand == 1;
+    const bool direct = s.strand == Strand::kDirect;
     for (const GENE& t : target) {
       if (t.strand != s.strand || (direct ? t.right != s.right : t.left != s.left)) continue;
       const bool both = t.left == s.left && t.right == s.right;
@@ -63,25 +63,29 @@ TEST(CompareMatch, FirstTargetWithTheSameStrandAndStopDecides) {
     std::vector<GENE> source, target;
     std::string counts;  // both direct, both reverse, stop direct, stop reverse
   };
-  const GENE direct = Gene(1, 0, 98), reverse = Gene(2, 499, 699), unplaced = Gene(1, -1, -1);
+  const GENE direct = Gene(Strand::kDirect, 0, 98), reverse = Gene(Strand::kReverse, 499, 699),
+             unplaced = Gene(Strand::kDirect, -1, -1);
   const Case cases[] = {
       // A stop-only partner ahead of an exact one makes a stop-only match, and the other way.
-      {{direct}, {Gene(1, 3, 98), direct}, "0 0 1 0"},
-      {{direct}, {direct, Gene(1, 3, 98)}, "1 0 0 0"},
+      {{direct}, {Gene(Strand::kDirect, 3, 98), direct}, "0 0 1 0"},
+      {{direct}, {direct, Gene(Strand::kDirect, 3, 98)}, "1 0 0 0"},
       // Targets that stop elsewhere or lie on the other strand do not decide.
-      {{direct}, {Gene(1, 0, 50), Gene(2, 3, 98), Gene(2, 0, 98), direct}, "1 0 0 0"},
-      {{direct}, {Gene(1, 0, 50), Gene(2, 0, 98)}, "0 0 0 0"},
-      {{reverse}, {Gene(2, 499, 600), reverse}, "0 0 0 1"},
-      {{reverse}, {Gene(2, 400, 699)}, "0 0 0 0"},  // start only
-      {{reverse}, {Gene(1, 499, 699), reverse}, "0 1 0 0"},
+      {{direct},
+       {Gene(Strand::kDirect, 0, 50), Gene(Strand::kReverse, 3, 98), Gene(Strand::kReverse, 0, 98),
+        direct},
+       "1 0 0 0"},
+      {{direct}, {Gene(Strand::kDirect, 0, 50), Gene(Strand::kReverse, 0, 98)}, "0 0 0 0"},
+      {{reverse}, {Gene(Strand::kReverse, 499, 600), reverse}, "0 0 0 1"},
+      {{reverse}, {Gene(Strand::kReverse, 400, 699)}, "0 0 0 0"},  // start only
+      {{reverse}, {Gene(Strand::kDirect, 499, 699), reverse}, "0 1 0 0"},
       // A target serves every source copy.
-      {{direct, direct, Gene(1, 6, 98)}, {direct}, "2 0 1 0"},
+      {{direct, direct, Gene(Strand::kDirect, 6, 98)}, {direct}, "2 0 1 0"},
       // Lines that did not parse are default records: they pair like reverse genes.
       {{GENE{}, GENE{}}, {unplaced, GENE{}}, "0 2 0 0"},
       {{unplaced}, {GENE{}, unplaced}, "1 0 0 0"},
-      // Strand 0 stops at the left end, like the reverse strand.
-      {{Gene(0, 5, 9)}, {Gene(0, 5, 7)}, "0 0 0 1"},
-      {{Gene(0, 5, 9)}, {Gene(0, 4, 9)}, "0 0 0 0"},
+      // No strand stops at the left end, like the reverse strand.
+      {{Gene(Strand::kNone, 5, 9)}, {Gene(Strand::kNone, 5, 7)}, "0 0 0 1"},
+      {{Gene(Strand::kNone, 5, 9)}, {Gene(Strand::kNone, 4, 9)}, "0 0 0 0"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(&c - cases));
@@ -93,10 +97,10 @@ TEST(CompareMatch, CountersStartAtZero) {
   Compare compare;
   compare.match_both_direct = 5;
   compare.match_stop_reverse = 7;
-  compare.target.genes = {Gene(1, 0, 98)};
+  compare.target.genes = {Gene(Strand::kDirect, 0, 98)};
   compare.Match();  // empty source
   EXPECT_EQ(Show(CountsOf(compare)), "0 0 0 0");
-  compare.source.genes = {Gene(1, 0, 98)};
+  compare.source.genes = {Gene(Strand::kDirect, 0, 98)};
   compare.Match();
   compare.Match();
   EXPECT_EQ(Show(CountsOf(compare)), "1 0 0 0");
@@ -114,8 +118,12 @@ std::int32_t RandomCoordinate(std::mt19937& random, int span) {
   return pick(random) < 6 ? kOddValues[odd(random)] : plain(random);
 }
 
-std::int32_t RandomStrand(std::mt19937& random) {
-  constexpr std::int32_t kStrands[] = {1, 2, 0, -1, 3, INT32_MIN, 256};
+Strand RandomStrand(std::mt19937& random) {
+  // Besides the named strands, values cast from other numbers: none of them is direct.
+  constexpr Strand kStrands[] = {Strand::kDirect,         Strand::kReverse,
+                                 Strand::kNone,           static_cast<Strand>(-1),
+                                 static_cast<Strand>(3),  static_cast<Strand>(INT32_MIN),
+                                 static_cast<Strand>(256)};
   std::discrete_distribution<int> pick({40, 40, 12, 4, 2, 1, 1});
   return kStrands[pick(random)];
 }
@@ -123,7 +131,7 @@ std::int32_t RandomStrand(std::mt19937& random) {
 std::vector<GENE> RandomGenes(std::mt19937& random, std::size_t count, int span) {
   std::vector<GENE> genes;
   for (std::size_t i = 0; i < count; ++i) {
-    const std::int32_t strand = RandomStrand(random);
+    const Strand strand = RandomStrand(random);
     const std::int32_t left = RandomCoordinate(random, span);
     genes.push_back(Gene(strand, left, RandomCoordinate(random, span)));
   }
@@ -139,7 +147,9 @@ std::vector<GENE> Perturbed(std::mt19937& random, std::vector<GENE> genes, int s
     if (what == 0) continue;
     if (what == 1) gene.left = RandomCoordinate(random, span);
     if (what == 2) gene.right = RandomCoordinate(random, span);
-    if (what == 3 && (gene.strand == 1 || gene.strand == 2)) gene.strand = 3 - gene.strand;
+    if (what == 3 && HasStrand(gene.strand)) {
+      gene.strand = gene.strand == Strand::kDirect ? Strand::kReverse : Strand::kDirect;
+    }
     out.push_back(gene);
   }
   std::shuffle(out.begin(), out.end(), random);

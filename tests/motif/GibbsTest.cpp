@@ -17,7 +17,7 @@ using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStderr;
 using testing::internal::GetCapturedStdout;
 
-int LayoutOf(const std::string& text) {
+GibbsLayout LayoutOf(const std::string& text) {
   test::ScratchDir dir;
   Gibbs gibbs;
   return gibbs.DetectLayout(dir.Write("gibbs.out", text));
@@ -37,13 +37,27 @@ VSeq Regions(const std::vector<std::size_t>& lengths) {
 }
 
 TEST(GibbsLayout, GibbsLineWithinTheFirstElevenLines) {
-  EXPECT_EQ(LayoutOf(After(2, "Gibbs 3.10\nNum Motifs: 1\n")), Gibbs::kNumMotifsLayout);
-  EXPECT_EQ(LayoutOf("Gibbs"), Gibbs::kNumMotifsLayout);
-  EXPECT_EQ(LayoutOf(After(10, "Gibbs 3.10\n")), Gibbs::kNumMotifsLayout);  // the eleventh
-  EXPECT_EQ(LayoutOf(After(11, "Gibbs 3.10\n")), Gibbs::kMotifLayout);      // the twelfth
-  EXPECT_EQ(LayoutOf(" Gibbs 3.10\n"), Gibbs::kMotifLayout);  // must stand at the line start
-  EXPECT_EQ(LayoutOf("GIBBS\ngibbs\n     MOTIF A\n"), Gibbs::kMotifLayout);
-  EXPECT_EQ(LayoutOf(""), Gibbs::kMotifLayout);
+  EXPECT_EQ(LayoutOf(After(2, "Gibbs 3.10\nNum Motifs: 1\n")), GibbsLayout::kNumMotifs);
+  EXPECT_EQ(LayoutOf("Gibbs"), GibbsLayout::kNumMotifs);
+  EXPECT_EQ(LayoutOf(After(10, "Gibbs 3.10\n")), GibbsLayout::kNumMotifs);  // the eleventh
+  EXPECT_EQ(LayoutOf(After(11, "Gibbs 3.10\n")), GibbsLayout::kMotif);      // the twelfth
+  EXPECT_EQ(LayoutOf(" Gibbs 3.10\n"), GibbsLayout::kMotif);  // must stand at the line start
+  EXPECT_EQ(LayoutOf("GIBBS\ngibbs\n     MOTIF A\n"), GibbsLayout::kMotif);
+  EXPECT_EQ(LayoutOf(""), GibbsLayout::kMotif);
+}
+
+// An unreadable file has no layout, so Parse runs neither parser and fails.
+TEST(GibbsLayout, MissingFileIsUnreadable) {
+  test::ScratchDir dir;
+  const std::string name = dir.Path("absent.txt");
+  Gibbs gibbs;
+  CaptureStderr();
+  EXPECT_EQ(gibbs.DetectLayout(name), GibbsLayout::kUnreadable);
+  EXPECT_EQ(GetCapturedStderr(), "error: opening file " + name + "\n");
+  CaptureStderr();
+  EXPECT_FALSE(gibbs.Parse(name));
+  EXPECT_EQ(GetCapturedStderr(), "error: opening file " + name + "\n");
+  EXPECT_TRUE(gibbs.sites.empty());
 }
 
 // Warnings of the parsers.
