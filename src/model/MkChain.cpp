@@ -53,11 +53,15 @@ std::string Number(std::int64_t value) {
   return text;
 }
 
+bool Fail(std::initializer_list<std::string_view> parts) {
+  PrintError(parts);
+  return false;
+}
+
 bool FailCount(double sum) {
   std::string text = "error: count ";
   AppendGeneral(text, sum);
-  PrintError({text});
-  return false;
+  return Fail({text});
 }
 
 // One pass over a stretch with a rolling word index and a rolling mask of unknown letters: the
@@ -94,11 +98,6 @@ bool NormaliseEntries(std::vector<double>& table, std::size_t words, int pseudoc
   const double total = sum + static_cast<double>(static_cast<std::int64_t>(words) * pseudocount);
   for (std::size_t i = 0; i < words; ++i) table[i] = (table[i] + pseudocount) / total;
   return true;
-}
-
-bool Fail(std::initializer_list<std::string_view> parts) {
-  PrintError(parts);
-  return false;
 }
 
 // Words of level + 1 letters become words of level + 2 letters: the appended letter is weighted
