@@ -198,5 +198,5 @@ model_notes() {
     genes_in=$(grep -vc '^>' "$cod_file")
     echo "- The floor reads the $cod_mb MB coding file of \`--parse\` ($genes_in genes, one per line) and counts the 6-letter words of the three codon positions in $floor_wall s ($(calc "printf \"%.0f\", $cod_mb / ($floor_wall > 0 ? $floor_wall : 0.001)") MB/s); it does not read the genome or the gene set, cut the genes, count the non-coding words, turn counts into probabilities or print the chains."
   fi
-  echo "- \`--order 12\`: seven tables of 4^13 doubles would take $(calc "printf \"%.2f\", 7 * 4^13 * 8 / 1e9") GB; \`--mkchain\` makes a table when it estimates it, writes the coding file before it estimates the non-coding chain and prints row by row, so it holds the three coding tables at most ($(calc "printf \"%.2f\", 3 * 4^13 * 8 / 1e9") GB)."
+  echo "- \`--order 12\`: seven tables of 4^13 doubles would take $(calc "printf \"%.2f\", 7 * 4^13 * 8 / 1e9") GB; \`--mkchain\` makes a table when it estimates it, estimates the non-coding chain before it writes the coding file (a non-coding set that cannot train its chain ends the run before any file is written), drops the coding tables once their file is written and prints row by row, so it holds the three coding tables and the non-coding one at most ($(calc "printf \"%.2f\", 4 * 4^13 * 8 / 1e9") GB)."
 }

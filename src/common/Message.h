@@ -10,9 +10,6 @@ namespace genetrain {
 // written byte for byte, zero bytes included, so a message shows a value exactly as stored.
 void PrintError(std::initializer_list<std::string_view> parts);
 
-// The same, then the process ends with status 1 at once (output written so far is flushed).
-[[noreturn]] void PrintErrorAndExit(std::initializer_list<std::string_view> parts);
-
 }  // namespace genetrain
 
 #endif

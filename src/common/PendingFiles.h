@@ -6,8 +6,8 @@
 namespace genetrain {
 
 // Temporary output files that are not yet in place. They are removed when the process ends
-// before putting them there: through exit() (an invalid setting deep in an estimator) or by
-// SIGINT, SIGTERM, SIGHUP or SIGPIPE, whose default action then follows. A process that is
+// before putting them there: with an owner that is never destroyed (exit() skips destructors) or
+// by SIGINT, SIGTERM, SIGHUP or SIGPIPE, whose default action then follows. A process that is
 // killed outright (SIGKILL) leaves them; their names start with a dot and end in ".tmp".
 
 // Takes note of the file; returns the slot to release, or -1 when every slot is taken (the file

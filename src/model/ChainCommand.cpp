@@ -53,24 +53,25 @@ bool CheckChainOptions(Param& param, int& order) {
 // With a second chain both come with their labels. The rows go out as they are made: the text is
 // never held whole.
 bool WriteChainFile(const std::string& name, const MkChain& first, const MkChain* second) {
-  first.CheckPrecision();
-  if (second != nullptr) second->CheckPrecision();
+  if (!first.CheckPrecision()) return false;
+  if (second != nullptr && !second->CheckPrecision()) return false;
   OutputFile file;
   if (!file.Open(name)) return false;
   if (second != nullptr) file.Write("COD1\n");
-  first.WriteText(file);
+  if (!first.WriteText(file)) return false;
   if (second != nullptr) {
     file.Write("COD2\n");
-    second->WriteText(file);
+    if (!second->WriteText(file)) return false;
   }
   return file.Commit();
 }
 
 }  // namespace
 
-// One chain's tables at a time: the coding file is written before the non-coding chain is
-// estimated (at order 12 a coding chain holds 1.6 GB of tables, the non-coding one 0.5 GB). A
-// non-coding set that cannot train its chain still ends the command before any file is written.
+// The coding file is written before the coding chains' tables are dropped (at order 12 a coding
+// chain holds 1.6 GB of tables, the non-coding one 0.5 GB). A chain that cannot be made or
+// trained ends the command with its message before any file is written: each is checked as soon
+// as it is made or estimated, so that the messages keep their order.
 bool RunMkchain(Genome& genome, Param& param) {
   int order = 0;
   if (!CheckChainOptions(param, order)) return false;
@@ -82,12 +83,14 @@ bool RunMkchain(Genome& genome, Param& param) {
   genome.ExtractNonCoding(seq, set);
 
   MkChain coding1(order, 3, param, MkChain::Deferred{});
+  if (!coding1.Valid()) return false;
   MkChain coding2(order, 3, param, MkChain::Deferred{});
-  coding1.Estimate(genome.cod1);
-  if (genome.separate_cod) coding2.Estimate(genome.cod2);
+  if (!coding2.Valid() || !coding1.Estimate(genome.cod1)) return false;
+  if (genome.separate_cod && !coding2.Estimate(genome.cod2)) return false;
   MkChain noncoding(order, 1, param, MkChain::Deferred{});
+  if (!noncoding.Valid()) return false;
   noncoding.ClearMargins();
-  if (!noncoding.CanEstimate(genome.non)) noncoding.Estimate(genome.non);  // ends with its message
+  if (!noncoding.Estimate(genome.non)) return false;
 
   if (!WriteChainFile(*param.Find("--chain_cod"), coding1,
                       genome.separate_cod ? &coding2 : nullptr)) {
@@ -95,7 +98,6 @@ bool RunMkchain(Genome& genome, Param& param) {
   }
   coding1.Release();
   coding2.Release();
-  noncoding.Estimate(genome.non);
   return WriteChainFile(*param.Find("--chain_non"), noncoding, nullptr);
 }
 

@@ -8,9 +8,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include "common/Format.h"
 #include "common/Message.h"
@@ -52,10 +54,15 @@ std::string Number(std::int64_t value) {
   return text;
 }
 
-[[noreturn]] void FailCount(double sum) {
+bool Fail(std::initializer_list<std::string_view> parts) {
+  PrintError(parts);
+  return false;
+}
+
+bool FailCount(double sum) {
   std::string text = "error: count ";
   AppendGeneral(text, sum);
-  PrintErrorAndExit({text});
+  return Fail({text});
 }
 
 // One pass over a stretch with a rolling word index and a rolling mask of unknown letters: the
@@ -84,12 +91,14 @@ void CountWords(Iterator first, Iterator last, const LetterMap& letters, int cou
 }
 
 // Normalises the first `words` entries with the pseudocount: (entry + p) / (S + words * p).
-void NormaliseEntries(std::vector<double>& table, std::size_t words, int pseudocount) {
+// False for a table without any count.
+bool NormaliseEntries(std::vector<double>& table, std::size_t words, int pseudocount) {
   double sum = 0;
   for (std::size_t i = 0; i < words; ++i) sum += table[i];
-  if (sum == 0) FailCount(sum);
+  if (sum == 0) return FailCount(sum);
   const double total = sum + static_cast<double>(static_cast<std::int64_t>(words) * pseudocount);
   for (std::size_t i = 0; i < words; ++i) table[i] = (table[i] + pseudocount) / total;
+  return true;
 }
 
 // Words of level + 1 letters become words of level + 2 letters: the appended letter is weighted
@@ -129,7 +138,7 @@ constexpr std::array<double, kMaxPrintPrecision + 1> kSteps = {1e-0, 1e-1, 1e-2,
 
 MkChain::MkChain(int order_value, int period_value, Param& param)
     : MkChain(order_value, period_value, param, Deferred{}) {
-  Size();
+  if (valid_) Size();
 }
 
 MkChain::MkChain(int order_value, int period_value, Param& param, Deferred)
@@ -138,26 +147,28 @@ MkChain::MkChain(int order_value, int period_value, Param& param, Deferred)
   param.GetOpt(read_order, "--order_non");
   count_order = read_order == -1 || period != 1 ? order : read_order;
   revcomp = false;
-  Validate();
-  ReadTuning(param);
+  // The tuning options of an invalid chain are never read, so their messages do not appear.
+  valid_ = Validate();
+  if (valid_) ReadTuning(param);
 }
 
 MkChain::MkChain(int order_value, int period_value, int count_order_value)
     : order(order_value), period(period_value), count_order(count_order_value) {
-  Validate();
-  Size();
+  valid_ = Validate();
+  if (valid_) Size();
 }
 
-void MkChain::Validate() {
-  if (static_cast<unsigned>(order) > kMaxOrder) PrintErrorAndExit({"error: order ", Number(order)});
+bool MkChain::Validate() const {
+  if (static_cast<unsigned>(order) > kMaxOrder) return Fail({"error: order ", Number(order)});
   if (count_order < 0 || count_order > kMaxOrder) {
-    PrintErrorAndExit({"error: order ", Number(count_order)});
+    return Fail({"error: order ", Number(count_order)});
   }
   if (count_order > order) {
-    PrintErrorAndExit(
+    return Fail(
         {"error: order_count ", Number(count_order), " is higher than order ", Number(order)});
   }
-  if (period != 1 && period != 3) PrintErrorAndExit({"error: period ", Number(period)});
+  if (period != 1 && period != 3) return Fail({"error: period ", Number(period)});
+  return true;
 }
 
 void MkChain::Size() {
@@ -223,25 +234,25 @@ void MkChain::Symmetrise(int letters) {
   }
 }
 
-void MkChain::Estimate(const CodeSeq& sequence) {
-  if (sequence.empty()) PrintErrorAndExit({"error: data input empty "});
+bool MkChain::Estimate(const CodeSeq& sequence) {
+  if (sequence.empty()) return Fail({"error: data input empty "});
   if (tables.empty()) Size();
   const std::uint8_t* begin = sequence.data();
   const std::uint8_t* end = begin + sequence.size();
   CountForward(begin, end);
   if (revcomp && period == 1) CountReverse(begin, end);
-  Normalise(pseudocount);
+  return Normalise(pseudocount);
 }
 
-void MkChain::Estimate(const std::vector<CodeSeq>& sequences) {
-  Estimate(sequences, left_margin, right_margin, pseudocount);
+bool MkChain::Estimate(const std::vector<CodeSeq>& sequences) {
+  return Estimate(sequences, left_margin, right_margin, pseudocount);
 }
 
-void MkChain::Estimate(const std::vector<CodeSeq>& sequences, int left, int right,
+bool MkChain::Estimate(const std::vector<CodeSeq>& sequences, int left, int right,
                        int pseudocount_value) {
-  if (sequences.empty()) PrintErrorAndExit({"error: data input empty "});
+  if (sequences.empty()) return Fail({"error: data input empty "});
   if (left < 0 || right < 0) {
-    PrintErrorAndExit({"error: Lmarg ", Number(left), " Rmarg ", Number(right)});
+    return Fail({"error: Lmarg ", Number(left), " Rmarg ", Number(right)});
   }
   if (tables.empty()) Size();
   const bool both_strands = revcomp && period == 1;
@@ -254,66 +265,35 @@ void MkChain::Estimate(const std::vector<CodeSeq>& sequences, int left, int righ
     if (both_strands) CountReverse(data + right, data + length - left);
   }
   if (both_strands) Symmetrise(count_order + 1);
-  Normalise(pseudocount_value);
+  return Normalise(pseudocount_value);
 }
 
-// The failures of Estimate, foreseen: the counting itself needs only the frames in which a word
-// of known letters ends somewhere.
-bool MkChain::CanEstimate(const std::vector<CodeSeq>& sequences) const {
-  if (sequences.empty() || left_margin < 0 || right_margin < 0 || pseudocount < 0) return false;
-  if (period != 1 && count_order != order) return false;
-  const int letters = count_order + 1;
-  std::array<bool, 3> counted{};
-  for (const CodeSeq& sequence : sequences) {
-    const std::int64_t length = static_cast<std::int64_t>(sequence.size());
-    if (std::int64_t{left_margin} + right_margin >= length) continue;
-    // A word ending at offset p of the stretch (p >= count_order) is counted in frame
-    // (p - count_order) % period.
-    int known = 0;
-    for (std::int64_t p = 0; p < length - left_margin - right_margin; ++p) {
-      known = IsBase(sequence[static_cast<std::size_t>(left_margin + p)]) ? known + 1 : 0;
-      if (known >= letters) counted[static_cast<std::size_t>((p - count_order) % period)] = true;
-    }
-  }
-  for (int f = 0; f < period; ++f) {
-    if (!counted[static_cast<std::size_t>(f)]) return false;
+bool MkChain::Normalise(int pseudocount_value) {
+  if (count_order == order) return NormaliseTables(pseudocount_value);
+  return ExtendTable(pseudocount_value);
+}
+
+bool MkChain::NormaliseTables(int pseudocount_value) {
+  if (pseudocount_value < 0) return Fail({"error: pseudocount ", Number(pseudocount_value)});
+  for (std::vector<double>& table : tables) {
+    if (!NormaliseEntries(table, table.size(), pseudocount_value)) return false;
   }
   return true;
 }
 
-void MkChain::Normalise(int pseudocount_value) {
-  if (count_order == order) {
-    NormaliseTables(pseudocount_value);
-  } else {
-    ExtendTable(pseudocount_value);
-  }
-}
-
-void MkChain::NormaliseTables(int pseudocount_value) {
-  if (pseudocount_value < 0) {
-    PrintErrorAndExit({"error: pseudocount ", Number(pseudocount_value)});
-  }
-  for (std::vector<double>& table : tables) {
-    NormaliseEntries(table, table.size(), pseudocount_value);
-  }
-}
-
 // Normalises the words counted at the count order, then builds each longer word from the
 // shorter ones, symmetrising every new level whatever the reverse-complement flag says.
-void MkChain::ExtendTable(int pseudocount_value) {
+bool MkChain::ExtendTable(int pseudocount_value) {
   if (tables.size() > 1) {
-    PrintErrorAndExit(
-        {"error: order_count is supported only for period == 1 ", Number(count_order)});
+    return Fail({"error: order_count is supported only for period == 1 ", Number(count_order)});
   }
   const std::size_t counted = WordCount(count_order + 1);
   for (std::vector<double>& table : tables) {
-    if (pseudocount_value < 0) {
-      PrintErrorAndExit({"error: pseudocount ", Number(pseudocount_value)});
-    }
+    if (pseudocount_value < 0) return Fail({"error: pseudocount ", Number(pseudocount_value)});
     if (table.size() <= counted) {
-      PrintErrorAndExit({"error in vector size ", Number(static_cast<std::int64_t>(counted))});
+      return Fail({"error in vector size ", Number(static_cast<std::int64_t>(counted))});
     }
-    NormaliseEntries(table, counted, pseudocount_value);
+    if (!NormaliseEntries(table, counted, pseudocount_value)) return false;
   }
   std::vector<double> copy;
   copy.reserve(WordCount(order));
@@ -321,6 +301,7 @@ void MkChain::ExtendTable(int pseudocount_value) {
     ExtendLevel(tables[0], copy, level);
     Symmetrise(level + 2);
   }
+  return true;
 }
 
 void MkChain::SetRandom(double gc) {
@@ -336,18 +317,19 @@ void MkChain::SetRandom(double gc) {
   }
 }
 
-std::string MkChain::ToText() const {
+std::optional<std::string> MkChain::ToText() const {
   return ToText(precision);
 }
 
-void MkChain::CheckPrecision(int digits) {
+bool MkChain::CheckPrecision(int digits) {
   if (static_cast<unsigned>(digits) > kMaxPrintPrecision) {
-    PrintErrorAndExit({"error: precision ", Number(digits)});
+    return Fail({"error: precision ", Number(digits)});
   }
+  return true;
 }
 
-std::string MkChain::ToText(int digits) const {
-  CheckPrecision(digits);
+std::optional<std::string> MkChain::ToText(int digits) const {
+  if (!CheckPrecision(digits)) return std::nullopt;
   std::string text = "\n";
   if (tables.size() != 1 && tables.size() != 3) return text;
   const std::size_t words = tables[0].size();
@@ -357,8 +339,8 @@ std::string MkChain::ToText(int digits) const {
   return text;
 }
 
-void MkChain::WriteText(OutputFile& file) const {
-  CheckPrecision(precision);
+bool MkChain::WriteText(OutputFile& file) const {
+  if (!CheckPrecision(precision)) return false;
   constexpr std::size_t kSlice = std::size_t{1} << 20;
   std::string text = "\n";
   text.reserve(kSlice + 4096);
@@ -372,6 +354,7 @@ void MkChain::WriteText(OutputFile& file) const {
     }
   }
   file.Write(text);
+  return true;
 }
 
 void MkChain::AppendRow(std::string& text, std::size_t word, int digits) const {

@@ -1,6 +1,7 @@
 // --mkmod: a whole model from a genome and its gene set, or from coding and non-coding files.
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -54,6 +55,22 @@ void SetStartEntries(Report& report, const Genome& genome, const Param& param) {
   }
 }
 
+// The COD1, COD2 and NONC entries; COD2 repeats COD1 without a second coding chain. False, with
+// the message printed and no entry set, when the chains' precision cannot be printed.
+bool SetChainEntries(Report& report, const MkChain& coding, const MkChain* second,
+                     const MkChain& nonCoding) {
+  const std::optional<std::string> codingText = coding.ToText();
+  if (!codingText) return false;
+  std::optional<std::string> secondText = second != nullptr ? second->ToText() : codingText;
+  if (!secondText) return false;
+  std::optional<std::string> nonCodingText = nonCoding.ToText();
+  if (!nonCodingText) return false;
+  report.Set("--COD1", "COD1 ", *codingText);
+  report.Set("--COD2", "COD2 ", std::move(*secondText));
+  report.Set("--NONC", "NONC ", std::move(*nonCodingText));
+  return true;
+}
+
 bool BuildFromGenome(Report& report, Param& param) {
   std::uint32_t order = 0;
   if (!param.Get(order, "--ORDM")) return false;
@@ -65,11 +82,15 @@ bool BuildFromGenome(Report& report, Param& param) {
   genome.ExtractNonCoding(seq, set);
 
   const int chainOrder = ClampToInt(order);
+  // Each chain is checked as soon as it is made or estimated, so that the messages keep their
+  // order and a failure is the last of them.
   MkChain coding(chainOrder, 3, param);
+  if (!coding.Valid()) return false;
   MkChain second(chainOrder, 3, param, MkChain::Deferred{});  // tables only when estimated
-  coding.Estimate(genome.cod1);
-  if (genome.separate_cod) second.Estimate(genome.cod2);
+  if (!second.Valid() || !coding.Estimate(genome.cod1)) return false;
+  if (genome.separate_cod && !second.Estimate(genome.cod2)) return false;
   MkChain nonCoding(chainOrder, 1, param);
+  if (!nonCoding.Valid()) return false;
   nonCoding.ClearMargins();
   if (WantsRandomNonCoding(param)) {
     double gc = 0;
@@ -83,13 +104,12 @@ bool BuildFromGenome(Report& report, Param& param) {
       WriteStdout(line);
     }
     nonCoding.SetRandom(gc);
-  } else {
-    nonCoding.Estimate(genome.non);
+  } else if (!nonCoding.Estimate(genome.non)) {
+    return false;
   }
-  const std::string codingText = coding.ToText();
-  report.Set("--COD1", "COD1 ", codingText);
-  report.Set("--COD2", "COD2 ", genome.separate_cod ? second.ToText() : codingText);
-  report.Set("--NONC", "NONC ", nonCoding.ToText());
+  if (!SetChainEntries(report, coding, genome.separate_cod ? &second : nullptr, nonCoding)) {
+    return false;
+  }
 
   EstimateStartCodons(genome);
   SetStartEntries(report, genome, param);
@@ -115,21 +135,20 @@ bool BuildFromFiles(Report& report, Param& param) {
 
   const int chainOrder = ClampToInt(order);
   MkChain codingChain(chainOrder, 3, param);
+  if (!codingChain.Valid()) return false;
   codingChain.ClearMargins();
-  codingChain.Estimate(coding.sequence);
+  if (!codingChain.Estimate(coding.sequence)) return false;
   MkChain nonChain(chainOrder, 1, param);
+  if (!nonChain.Valid()) return false;
   nonChain.ClearMargins();
   if (WantsRandomNonCoding(param)) {
     double gc = GcFraction({nonCoding.sequence});
     if (!ReadRandomGc(param, gc)) return false;
     nonChain.SetRandom(gc);
-  } else {
-    nonChain.Estimate(nonCoding.sequence);
+  } else if (!nonChain.Estimate(nonCoding.sequence)) {
+    return false;
   }
-  const std::string codingText = codingChain.ToText();
-  report.Set("--COD1", "COD1 ", codingText);
-  report.Set("--COD2", "COD2 ", codingText);
-  report.Set("--NONC", "NONC ", nonChain.ToText());
+  if (!SetChainEntries(report, codingChain, nullptr, nonChain)) return false;
   for (const auto& [key, codon] : kStartCodons) {
     report.Set(Option(key), Label(key), param.ValueOrEmpty(Option(key)));
   }

@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TestSupport.h"
@@ -69,7 +72,7 @@ MkChain Coding(int order, const std::vector<std::string>& sequences, int left, i
   MkChain chain(order, 3, order);
   std::vector<CodeSeq> list;
   for (const std::string& letters : sequences) list.push_back(Codes(letters));
-  chain.Estimate(list, left, right, pseudocount);
+  EXPECT_TRUE(chain.Estimate(list, left, right, pseudocount));
   return chain;
 }
 
@@ -169,7 +172,7 @@ TEST(MkChainTest, MalformedOptionsAreReportedAndKeepDefaults) {
 
 TEST(MkChainTest, OrderZeroFromOneSequence) {
   MkChain chain(0, 1, 0);
-  chain.Estimate(Codes("ACGTAC"));  // A 2, C 2, G 1, T 1; (count + 1) / (6 + 4)
+  ASSERT_TRUE(chain.Estimate(Codes("ACGTAC")));  // A 2, C 2, G 1, T 1; (count + 1) / (6 + 4)
   EXPECT_EQ(chain.ToText(), Column({"0.30000", "0.30000", "0.20000", "0.20000"}));
   // Each entry is the quotient itself (3 * (1 / 10) would be one unit in the last place off).
   EXPECT_EQ(chain.tables[0], (std::vector<double>{3.0 / 10, 3.0 / 10, 2.0 / 10, 2.0 / 10}));
@@ -179,22 +182,22 @@ TEST(MkChainTest, OrderZeroFromOneSequence) {
 
 TEST(MkChainTest, PseudocountWeighsEveryWord) {
   MkChain none(0, 1, 0);
-  none.Estimate({Codes("ACGTAC")}, 0, 0, 0);
+  ASSERT_TRUE(none.Estimate({Codes("ACGTAC")}, 0, 0, 0));
   EXPECT_EQ(none.ToText(), Column({"0.33333", "0.33333", "0.16667", "0.16667"}));
   MkChain two(0, 1, 0);
-  two.Estimate({Codes("ACGTAC")}, 0, 0, 2);  // (count + 2) / (6 + 8)
+  ASSERT_TRUE(two.Estimate({Codes("ACGTAC")}, 0, 0, 2));  // (count + 2) / (6 + 8)
   EXPECT_EQ(two.ToText(), Column({"0.28571", "0.28571", "0.21429", "0.21429"}));
   // The chain's own pseudocount in the single-sequence form.
   MkChain own(0, 1, 0);
   own.pseudocount = 0;
-  own.Estimate(Codes("AAAC"));
+  ASSERT_TRUE(own.Estimate(Codes("AAAC")));
   EXPECT_EQ(own.ToText(), Column({"0.75000", "0.25000", "0.00000", "0.00000"}));
 }
 
 TEST(MkChainTest, OrderOneFromOneSequence) {
   // Words AA, AC, CG, GA; with pseudocount 1: (1 + 1) / (4 + 16) and 1 / 20.
   MkChain chain(1, 1, 1);
-  chain.Estimate(Codes("AACGA"));
+  ASSERT_TRUE(chain.Estimate(Codes("AACGA")));
   std::vector<std::string> rows(16, "0.05000");
   for (const char* word : {"AA", "AC", "CG", "GA"}) rows[Word(word)] = "0.10000";
   EXPECT_EQ(chain.ToText(), Column(rows));
@@ -239,7 +242,7 @@ TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
   }
   // A stretch of exactly the count order loads the word and counts nothing.
   MkChain chain(2, 1, 2);
-  chain.Estimate({Codes("AC"), Codes("ACGN"), Codes("TTT")}, 0, 0, 0);
+  ASSERT_TRUE(chain.Estimate({Codes("AC"), Codes("ACGN"), Codes("TTT")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   rows[Word("ACG")] = "0.50000";
   rows[Word("TTT")] = "0.50000";
@@ -249,7 +252,7 @@ TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
 TEST(MkChainTest, ShortSequencesAreSkipped) {
   // Length 6 with margins 3 and 3 gives nothing; length 7 gives one letter.
   MkChain chain(0, 1, 0);
-  chain.Estimate({Codes("GGGCCC"), Codes("TTTATTT")}, 3, 3, 0);
+  ASSERT_TRUE(chain.Estimate({Codes("GGGCCC"), Codes("TTTATTT")}, 3, 3, 0));
   EXPECT_EQ(chain.tables[0], (std::vector<double>{1, 0, 0, 0}));
 }
 
@@ -259,7 +262,7 @@ TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
   // AA = TT = 0.5, of 6.
   MkChain chain(1, 1, 1);
   chain.revcomp = true;
-  chain.Estimate({Codes("AACGT")}, 1, 0, 0);
+  ASSERT_TRUE(chain.Estimate({Codes("AACGT")}, 1, 0, 0));
   std::vector<std::string> rows(16, "0.00000");
   rows[Word("AC")] = rows[Word("GT")] = "0.25000";
   rows[Word("CG")] = "0.33333";
@@ -270,20 +273,21 @@ TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
 TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
   MkChain chain(3, 1, 3);
   chain.revcomp = true;
-  chain.Estimate({Codes("ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT"), Codes("CCCGGGAT")}, 2, 1, 1);
+  ASSERT_TRUE(
+      chain.Estimate({Codes("ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT"), Codes("CCCGGGAT")}, 2, 1, 1));
   for (std::uint32_t word = 0; word < 256; ++word) {
     ASSERT_EQ(chain.tables[0][word], chain.tables[0][MkChain::ReverseComplementIndex(word, 4)]);
   }
   // Period 3 never counts the reverse strand.
   MkChain coding(0, 3, 0);
   coding.revcomp = true;
-  coding.Estimate({Codes("AAA")}, 0, 0, 0);
+  ASSERT_TRUE(coding.Estimate({Codes("AAA")}, 0, 0, 0));
   EXPECT_EQ(coding.tables[0], (std::vector<double>{1, 0, 0, 0}));
   // Without symmetrising, one sequence on both strands: AAC and GTT.
   MkChain whole(0, 1, 0);
   whole.revcomp = true;
   whole.pseudocount = 0;
-  whole.Estimate(Codes("AAC"));
+  ASSERT_TRUE(whole.Estimate(Codes("AAC")));
   EXPECT_EQ(whole.ToText(), Column({"0.33333", "0.16667", "0.16667", "0.33333"}));
 }
 
@@ -291,7 +295,7 @@ TEST(MkChainTest, OrderOneFromCountOrderZero) {
   // AAT: A 3/7, C 1/7, G 1/7, T 2/7 with pseudocount 1; the products are symmetrised, of 49:
   // AA = TT = 6.5, AT = TA = 6, CC = CG = GC = GG = 1, the rest 2.5.
   MkChain chain(1, 1, 0);
-  chain.Estimate({Codes("AAT")}, 0, 0, 1);
+  ASSERT_TRUE(chain.Estimate({Codes("AAT")}, 0, 0, 1));
   std::vector<std::string> rows(16, "0.05102");
   rows[Word("AA")] = rows[Word("TT")] = "0.13265";
   rows[Word("AT")] = rows[Word("TA")] = "0.12245";
@@ -305,7 +309,7 @@ TEST(MkChainTest, OrderTwoFromCountOrderZero) {
   // T 5/9. So AAA 25, AAT 20, ATA 20, ATT 16, TAA 16, TAT 20, TTA 20, TTT 25 (of 162), and
   // symmetrised: AAT = ATT = TAA = TTA = 18.
   MkChain chain(2, 1, 0);
-  chain.Estimate({Codes("AAT")}, 0, 0, 0);
+  ASSERT_TRUE(chain.Estimate({Codes("AAT")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   rows[Word("AAA")] = rows[Word("TTT")] = "0.15432";
   rows[Word("ATA")] = rows[Word("TAT")] = "0.12346";
@@ -319,7 +323,7 @@ TEST(MkChainTest, ExtensionWeighsByTheFirstLettersOfTheWord) {
   // CAA = 1/3; symmetrised with GGT, CGT, GCT, CCT and TTG. ACA stays 0: the letter after AC is
   // weighed by the group of its first letter A, not by the letters that follow C.
   MkChain chain(2, 1, 1);
-  chain.Estimate({Codes("ACAG")}, 0, 0, 0);
+  ASSERT_TRUE(chain.Estimate({Codes("ACAG")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   for (const char* word : {"ACC", "GGT", "ACG", "CGT", "AGC", "GCT", "AGG", "CCT"}) {
     rows[Word(word)] = "0.08333";
@@ -379,7 +383,7 @@ TEST(MkChainTest, PrintingMatchesPrintfOnManyValues) {
     chain.tables[0][0] = 0.125;
     chain.tables[1][0] = 0.375;
     chain.tables[2][0] = 2.5;
-    const std::string text = chain.ToText(digits);
+    const std::optional<std::string> text = chain.ToText(digits);
     const double step = std::pow(10.0, -digits);
     std::string expected = "\n";
     for (std::size_t word = 0; word < chain.tables[0].size(); ++word) {
@@ -406,8 +410,8 @@ TEST(MkChainTest, OtherTableCountsPrintOnlyTheNewline) {
 
 TEST(MkChainTest, EstimatesAddUp) {
   MkChain chain(0, 1, 0);
-  chain.Estimate({Codes("A")}, 0, 0, 0);
-  chain.Estimate({Codes("C")}, 0, 0, 0);  // adds 1 to A = 1: A = 1/2, C = 1/2
+  ASSERT_TRUE(chain.Estimate({Codes("A")}, 0, 0, 0));
+  ASSERT_TRUE(chain.Estimate({Codes("C")}, 0, 0, 0));  // adds 1 to A = 1: A = 1/2, C = 1/2
   EXPECT_EQ(chain.tables[0], (std::vector<double>{0.5, 0.5, 0, 0}));
 }
 
@@ -419,8 +423,8 @@ TEST(MkChainTest, DeferredTablesAreMadeByTheEstimateAndReleased) {
   EXPECT_EQ(deferred.precision, 3);
   MkChain sized(2, 3, param);
   const std::vector<CodeSeq> genes = {Codes("ATGAAACCCGGGTTTACGTAA"), Codes("ATGCCCAAATGA")};
-  deferred.Estimate(genes);
-  sized.Estimate(genes);
+  ASSERT_TRUE(deferred.Estimate(genes));
+  ASSERT_TRUE(sized.Estimate(genes));
   EXPECT_EQ(deferred.tables, sized.tables);
   deferred.Release();
   EXPECT_TRUE(deferred.tables.empty());
@@ -439,87 +443,175 @@ TEST(MkChainTest, WrittenTextIsTheTextInSlices) {
     for (std::uint8_t& code : gene) code = static_cast<std::uint8_t>(base(random));
   }
   chain.precision = 9;
-  chain.Estimate(genes);
+  ASSERT_TRUE(chain.Estimate(genes));
   test::ScratchDir dir;
   OutputFile file;
   ASSERT_TRUE(file.Open(dir.Path("chain.txt")));
-  chain.WriteText(file);
+  ASSERT_TRUE(chain.WriteText(file));
   ASSERT_TRUE(file.Commit());
   const std::string written = test::ReadFile(dir.Path("chain.txt"));
   EXPECT_EQ(written, chain.ToText());
   EXPECT_GT(written.size(), std::size_t{1} << 20);
 }
 
-using MkChainDeathTest = testing::Test;
-
 std::vector<CodeSeq> One(const std::string& letters) {
   return {Codes(letters)};
 }
 
-TEST_F(MkChainDeathTest, InvalidSettings) {
-  const auto exits = testing::ExitedWithCode(1);
-  EXPECT_EXIT(MkChain(15, 1, 15), exits, testing::Eq("error: order 15\n"));
-  EXPECT_EXIT(MkChain(-1, 1, 0), exits, testing::Eq("error: order -1\n"));
-  EXPECT_EXIT(MkChain(14, 1, 15), exits, testing::Eq("error: order 15\n"));
-  EXPECT_EXIT(MkChain(5, 1, -2), exits, testing::Eq("error: order -2\n"));
-  EXPECT_EXIT(MkChain(5, 1, 6), exits,
-              testing::Eq("error: order_count 6 is higher than order 5\n"));
-  EXPECT_EXIT(MkChain(2, 2, 2), exits, testing::Eq("error: period 2\n"));
-  EXPECT_EXIT(MkChain(2, 0, 2), exits, testing::Eq("error: period 0\n"));
+// What a call returned and printed to standard error.
+struct Printed {
+  bool ok = false;
+  std::string err;
+};
+
+template <typename Call>
+Printed Capture(Call call) {
+  CaptureStderr();
+  Printed printed;
+  printed.ok = call();
+  printed.err = GetCapturedStderr();
+  return printed;
+}
+
+// An invalid setting prints its message once and leaves the chain without tables: a table of the
+// asked order could not even be held.
+void ExpectInvalid(int order, int period, int count_order, const std::string& message) {
+  CaptureStderr();
+  const MkChain chain(order, period, count_order);
+  EXPECT_EQ(GetCapturedStderr(), message) << order << " " << period << " " << count_order;
+  EXPECT_FALSE(chain.Valid());
+  EXPECT_TRUE(chain.tables.empty());
+}
+
+TEST(MkChainFailureTest, InvalidSettings) {
+  ExpectInvalid(15, 1, 15, "error: order 15\n");
+  ExpectInvalid(-1, 1, 0, "error: order -1\n");
+  ExpectInvalid(14, 1, 15, "error: order 15\n");
+  ExpectInvalid(5, 1, -2, "error: order -2\n");
+  ExpectInvalid(5, 1, 6, "error: order_count 6 is higher than order 5\n");
+  ExpectInvalid(2, 2, 2, "error: period 2\n");
+  ExpectInvalid(2, 0, 2, "error: period 0\n");
+  // Valid settings print nothing (small orders: a chain of order 14 would take 8.6 GB).
+  for (const auto& [order, period, count_order] :
+       {std::array{3, 1, 0}, std::array{3, 3, 3}, std::array{0, 1, 0}, std::array{1, 1, 1}}) {
+    CaptureStderr();
+    const MkChain valid(order, period, count_order);
+    EXPECT_EQ(GetCapturedStderr(), "");
+    EXPECT_TRUE(valid.Valid());
+    EXPECT_EQ(valid.tables.size(), static_cast<std::size_t>(period));
+  }
+}
+
+// The options are read up to the invalid setting and no further, as when the process ended there.
+TEST(MkChainFailureTest, InvalidSettingsFromOptionsStopTheReading) {
   Param param;
   param.Set("--order_non", "6");
-  EXPECT_EXIT(MkChain(5, 1, param), exits,
-              testing::Eq("error: order_count 6 is higher than order 5\n"));
+  param.Set("--MKCHAIN_PSEUDOCOUNTS", "+1");
+  for (const bool deferred : {false, true}) {
+    CaptureStderr();
+    const MkChain chain =
+        deferred ? MkChain(5, 1, param, MkChain::Deferred{}) : MkChain(5, 1, param);
+    EXPECT_EQ(GetCapturedStderr(), "error: order_count 6 is higher than order 5\n");
+    EXPECT_FALSE(chain.Valid());
+    EXPECT_TRUE(chain.tables.empty());
+  }
   param.Set("--order_non", "-2");
-  EXPECT_EXIT(MkChain(5, 1, param), exits, testing::Eq("error: order -2\n"));
+  CaptureStderr();
+  const MkChain negative(5, 1, param);
+  EXPECT_EQ(GetCapturedStderr(), "error: order -2\n");
+  EXPECT_FALSE(negative.Valid());
+  // A valid chain reads them all.
+  param.Set("--order_non", "4");
+  CaptureStderr();
+  const MkChain valid(5, 1, param);
+  EXPECT_EQ(GetCapturedStderr(), "error in value of parameter --MKCHAIN_PSEUDOCOUNTS: +1\n");
+  EXPECT_TRUE(valid.Valid());
+  EXPECT_EQ(valid.count_order, 4);
 }
 
-TEST_F(MkChainDeathTest, EstimationErrors) {
-  const auto exits = testing::ExitedWithCode(1);
-  EXPECT_EXIT(MkChain(1, 3, 1).Estimate(std::vector<CodeSeq>{}), exits,
-              testing::Eq("error: data input empty \n"));
-  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(CodeSeq{}), exits,
-              testing::Eq("error: data input empty \n"));
-  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(One("ACGT"), -1, 2, 1), exits,
-              testing::Eq("error: Lmarg -1 Rmarg 2\n"));
-  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(One("ACGT"), 0, -4, 1), exits,
-              testing::Eq("error: Lmarg 0 Rmarg -4\n"));
-  EXPECT_EXIT(MkChain(1, 1, 1).Estimate(One("ACGT"), 0, 0, -1), exits,
-              testing::Eq("error: pseudocount -1\n"));
-  EXPECT_EXIT(MkChain(2, 1, 1).Estimate(One("ACGT"), 0, 0, -3), exits,
-              testing::Eq("error: pseudocount -3\n"));
+void ExpectEstimateFails(MkChain chain, const std::vector<CodeSeq>& sequences, int left, int right,
+                         int pseudocount, const std::string& message) {
+  const Printed printed =
+      Capture([&] { return chain.Estimate(sequences, left, right, pseudocount); });
+  EXPECT_FALSE(printed.ok) << message;
+  EXPECT_EQ(printed.err, message);
+}
+
+TEST(MkChainFailureTest, EstimationErrors) {
+  Printed printed = Capture([] { return MkChain(1, 3, 1).Estimate(std::vector<CodeSeq>{}); });
+  EXPECT_FALSE(printed.ok);
+  EXPECT_EQ(printed.err, "error: data input empty \n");
+  printed = Capture([] { return MkChain(1, 1, 1).Estimate(CodeSeq{}); });
+  EXPECT_FALSE(printed.ok);
+  EXPECT_EQ(printed.err, "error: data input empty \n");
+  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), -1, 2, 1, "error: Lmarg -1 Rmarg 2\n");
+  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), 0, -4, 1, "error: Lmarg 0 Rmarg -4\n");
+  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), 0, 0, -1, "error: pseudocount -1\n");
+  ExpectEstimateFails(MkChain(2, 1, 1), One("ACGT"), 0, 0, -3, "error: pseudocount -3\n");
   // Every sequence within the margins: nothing counted.
-  EXPECT_EXIT(MkChain(1, 3, 1).Estimate(One("ACGTAC")), exits, testing::Eq("error: count 0\n"));
-  EXPECT_EXIT(MkChain(2, 1, 0).Estimate(One("NNN"), 0, 0, 1), exits,
-              testing::Eq("error: count 0\n"));
+  printed = Capture([] { return MkChain(1, 3, 1).Estimate(One("ACGTAC")); });
+  EXPECT_FALSE(printed.ok);
+  EXPECT_EQ(printed.err, "error: count 0\n");
+  ExpectEstimateFails(MkChain(2, 1, 0), One("NNN"), 0, 0, 1, "error: count 0\n");
   // A frame table without words: frame 2 of a three-letter stretch at order 1.
-  EXPECT_EXIT(MkChain(1, 3, 1).Estimate(One("ACG"), 0, 0, 1), exits,
-              testing::Eq("error: count 0\n"));
-  EXPECT_EXIT(MkChain(2, 3, 1).Estimate(One("ACGTACGT"), 0, 0, 1), exits,
-              testing::Eq("error: order_count is supported only for period == 1 1\n"));
-  EXPECT_EXIT(
-      {
-        MkChain chain(2, 1, 0);
-        chain.tables[0].resize(4);
-        chain.Estimate(One("ACGT"), 0, 0, 1);
-      },
-      exits, testing::Eq("error in vector size 4\n"));
+  ExpectEstimateFails(MkChain(1, 3, 1), One("ACG"), 0, 0, 1, "error: count 0\n");
+  ExpectEstimateFails(MkChain(2, 3, 1), One("ACGTACGT"), 0, 0, 1,
+                      "error: order_count is supported only for period == 1 1\n");
+  MkChain cut(2, 1, 0);
+  cut.tables[0].resize(4);
+  ExpectEstimateFails(std::move(cut), One("ACGT"), 0, 0, 1, "error in vector size 4\n");
 }
 
-TEST_F(MkChainDeathTest, PrecisionLimit) {
-  const auto exits = testing::ExitedWithCode(1);
+TEST(MkChainFailureTest, PrecisionLimit) {
   MkChain chain(0, 1, 0);
-  EXPECT_EXIT(chain.ToText(11), exits, testing::Eq("error: precision 11\n"));
-  EXPECT_EXIT(chain.ToText(-1), exits, testing::Eq("error: precision -1\n"));
+  chain.SetRandom(0.5);
+  for (const int digits : {11, -1}) {
+    CaptureStderr();
+    EXPECT_EQ(chain.ToText(digits), std::nullopt);
+    EXPECT_EQ(GetCapturedStderr(), "error: precision " + std::to_string(digits) + "\n");
+  }
   chain.precision = 12;
-  EXPECT_EXIT(chain.ToText(), exits, testing::Eq("error: precision 12\n"));
+  CaptureStderr();
+  EXPECT_EQ(chain.ToText(), std::nullopt);
+  EXPECT_EQ(GetCapturedStderr(), "error: precision 12\n");
+  EXPECT_EQ(Capture([&] { return chain.CheckPrecision(); }).err, "error: precision 12\n");
+  // Nothing reaches the file.
+  test::ScratchDir dir;
+  OutputFile file;
+  ASSERT_TRUE(file.Open(dir.Path("chain.txt")));
+  const Printed printed = Capture([&] { return chain.WriteText(file); });
+  EXPECT_FALSE(printed.ok);
+  EXPECT_EQ(printed.err, "error: precision 12\n");
+  ASSERT_TRUE(file.Commit());
+  EXPECT_EQ(test::ReadFile(dir.Path("chain.txt")), "");
+  chain.precision = 10;
+  EXPECT_TRUE(Capture([&] { return chain.CheckPrecision(); }).ok);
 }
 
-// CanEstimate foresees exactly the estimates that end the process.
-TEST_F(MkChainDeathTest, CanEstimateForeseesEveryFailure) {
+// Whether every frame gets a word of count_order + 1 known letters within the margins, worked
+// out word by word, independently of the rolling count of the chain.
+bool EveryFrameCounted(const std::vector<CodeSeq>& sequences, int left, int right, int count_order,
+                       int period) {
+  std::vector<bool> counted(static_cast<std::size_t>(period), false);
+  const int letters = count_order + 1;
+  for (const CodeSeq& sequence : sequences) {
+    const int end = static_cast<int>(sequence.size()) - right;
+    for (int start = left; start + letters <= end; ++start) {
+      const auto first = sequence.begin() + start;
+      if (std::all_of(first, first + letters, [](std::uint8_t code) { return code < 4; })) {
+        counted[static_cast<std::size_t>((start - left) % period)] = true;
+      }
+    }
+  }
+  return !sequences.empty() && std::find(counted.begin(), counted.end(), false) == counted.end();
+}
+
+// The estimate fails exactly when some frame gets no word, with the message of the first failure.
+TEST(MkChainFailureTest, EstimateFailsExactlyWhenAFrameHasNoWord) {
   std::mt19937 random(17);
   std::uniform_int_distribution<int> count(0, 3), length(0, 9), base(0, 6);
-  for (int round = 0; round < 60; ++round) {
+  int failures = 0;
+  for (int round = 0; round < 200; ++round) {
     std::vector<CodeSeq> sequences(static_cast<std::size_t>(count(random)));
     for (CodeSeq& sequence : sequences) {
       sequence.resize(static_cast<std::size_t>(length(random)));
@@ -527,15 +619,25 @@ TEST_F(MkChainDeathTest, CanEstimateForeseesEveryFailure) {
         code = static_cast<std::uint8_t>(std::min(base(random), 4));
     }
     const int order = round % 3;
-    MkChain chain(order, round % 2 == 0 ? 1 : 3, order);
+    const int period = round % 2 == 0 ? 1 : 3;
+    MkChain chain(order, period, order);
     chain.left_margin = round % 4 == 0 ? 2 : 0;
     chain.right_margin = round % 5 == 0 ? 1 : 0;
-    if (chain.CanEstimate(sequences)) {
-      chain.Estimate(sequences);  // returns
+    const bool expected =
+        EveryFrameCounted(sequences, chain.left_margin, chain.right_margin, order, period);
+    const Printed printed = Capture([&] { return chain.Estimate(sequences); });
+    EXPECT_EQ(printed.ok, expected) << round;
+    if (expected) {
+      EXPECT_EQ(printed.err, "") << round;
     } else {
-      EXPECT_EXIT(chain.Estimate(sequences), testing::ExitedWithCode(1), "") << round;
+      ++failures;
+      EXPECT_EQ(printed.err, sequences.empty() ? "error: data input empty \n" : "error: count 0\n")
+          << round;
     }
   }
+  // Both outcomes are met often.
+  EXPECT_GT(failures, 20);
+  EXPECT_LT(failures, 180);
 }
 
 }  // namespace
