@@ -52,26 +52,31 @@ bool CheckChainOptions(Param& param, int& order) {
 // A chain that cannot be printed (its precision) ends the command before the file is touched.
 // With a second chain both come with their labels. The rows go out as they are made: the text is
 // never held whole.
+// Writes the chains to the opened file, the first with its label when a second one follows.
+bool WriteChains(OutputFile& file, const MkChain& first, const MkChain* second) {
+  if (second != nullptr) file.Write("COD1\n");
+  if (!first.WriteText(file)) return false;
+  if (second == nullptr) return true;
+  file.Write("COD2\n");
+  return second->WriteText(file);
+}
+
 bool WriteChainFile(const std::string& name, const MkChain& first, const MkChain* second) {
   if (!first.CheckPrecision()) return false;
   if (second != nullptr && !second->CheckPrecision()) return false;
   OutputFile file;
-  if (!file.Open(name)) return false;
-  if (second != nullptr) file.Write("COD1\n");
-  if (!first.WriteText(file)) return false;
-  if (second != nullptr) {
-    file.Write("COD2\n");
-    if (!second->WriteText(file)) return false;
-  }
-  return file.Commit();
+  return file.Open(name) && WriteChains(file, first, second) && file.Commit();
 }
 
 }  // namespace
 
-// The coding file is written before the coding chains' tables are dropped (at order 12 a coding
-// chain holds 1.6 GB of tables, the non-coding one 0.5 GB). A chain that cannot be made or
-// trained ends the command with its message before any file is written: each is checked as soon
-// as it is made or estimated, so that the messages keep their order.
+// One chain's tables at a time (at order 12 a coding chain holds 1.6 GB of tables, the
+// non-coding one 0.5 GB): the coding chains go to their file's temporary copy and are dropped
+// before the non-coding chain is estimated. That file is put in place only once the non-coding
+// chain has trained, so a chain that cannot be made or trained ends the command, with its
+// message, before any file is written. Each chain is checked as soon as it is made or
+// estimated, and a precision that cannot be printed after that, so the messages keep their
+// order.
 bool RunMkchain(Genome& genome, Param& param) {
   int order = 0;
   if (!CheckChainOptions(param, order)) return false;
@@ -90,15 +95,20 @@ bool RunMkchain(Genome& genome, Param& param) {
   MkChain noncoding(order, 1, param, MkChain::Deferred{});
   if (!noncoding.Valid()) return false;
   noncoding.ClearMargins();
-  if (!noncoding.Estimate(genome.non)) return false;
 
-  if (!WriteChainFile(*param.Find("--chain_cod"), coding1,
-                      genome.separate_cod ? &coding2 : nullptr)) {
-    return false;
+  const MkChain* second = genome.separate_cod ? &coding2 : nullptr;
+  const bool printable = coding1.Printable() && (second == nullptr || second->Printable());
+  OutputFile codingFile;
+  if (printable) {
+    if (!codingFile.Open(*param.Find("--chain_cod")) || !WriteChains(codingFile, coding1, second)) {
+      return false;
+    }
+    coding1.Release();
+    coding2.Release();
   }
-  coding1.Release();
-  coding2.Release();
-  return WriteChainFile(*param.Find("--chain_non"), noncoding, nullptr);
+  if (!noncoding.Estimate(genome.non)) return false;
+  if (!printable) return WriteChainFile(*param.Find("--chain_cod"), coding1, second);
+  return codingFile.Commit() && WriteChainFile(*param.Find("--chain_non"), noncoding, nullptr);
 }
 
 }  // namespace genetrain

@@ -321,6 +321,10 @@ std::optional<std::string> MkChain::ToText() const {
   return ToText(precision);
 }
 
+bool MkChain::Printable() const {
+  return static_cast<unsigned>(precision) <= kMaxPrintPrecision;
+}
+
 bool MkChain::CheckPrecision(int digits) {
   if (static_cast<unsigned>(digits) > kMaxPrintPrecision) {
     return Fail({"error: precision ", Number(digits)});

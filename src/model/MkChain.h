@@ -65,6 +65,8 @@ class MkChain {
   // False, with the message printed, when the precision cannot be printed: a caller checks it
   // before it touches its output.
   [[nodiscard]] bool CheckPrecision() const { return CheckPrecision(precision); }
+  // The same test, silent.
+  bool Printable() const;
 
   // The index of the reverse complement of a word of `letters` letters; 0 for no letters.
   static std::uint32_t ReverseComplementIndex(std::uint32_t word, int letters);
