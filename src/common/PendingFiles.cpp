@@ -6,7 +6,6 @@
 #include <atomic>
 #include <climits>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <mutex>
 
@@ -31,10 +30,6 @@ void RemoveAll() {
   }
 }
 
-extern "C" void RemoveAtExit() {
-  RemoveAll();
-}
-
 extern "C" void RemoveOnSignal(int signal) {
   RemoveAll();
   std::signal(signal, SIG_DFL);
@@ -44,7 +39,6 @@ extern "C" void RemoveOnSignal(int signal) {
 void InstallOnce() {
   static std::once_flag once;
   std::call_once(once, [] {
-    std::atexit(RemoveAtExit);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
       struct sigaction current {};
       // A signal the caller chose to ignore stays ignored.

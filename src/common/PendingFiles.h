@@ -5,10 +5,10 @@
 
 namespace genetrain {
 
-// Temporary output files that are not yet in place. They are removed when the process ends
-// before putting them there: with an owner that is never destroyed (exit() skips destructors) or
-// by SIGINT, SIGTERM, SIGHUP or SIGPIPE, whose default action then follows. A process that is
-// killed outright (SIGKILL) leaves them; their names start with a dot and end in ".tmp".
+// Temporary output files that are not yet in place. Their owners remove them when a run fails;
+// these notes remove them when the process is ended by SIGINT, SIGTERM, SIGHUP or SIGPIPE,
+// whose default action then follows. A process killed outright (SIGKILL) leaves them; their
+// names start with a dot and end in ".tmp".
 
 // Takes note of the file; returns the slot to release, or -1 when every slot is taken (the file
 // is then only removed by its owner).
