@@ -7,6 +7,7 @@
 
 #include "genes/Genome.h"
 #include "genes/Orf.h"
+#include "seq/LetterTables.h"
 
 namespace genetrain {
 
@@ -21,13 +22,13 @@ struct CodonOption {
 
 // Reading order matters: the first malformed value is the one reported.
 constexpr std::array<CodonOption, 7> kCodonOptions = {{
-    {"--TAA_", kCodonTAA, 60, true},
-    {"--TGA_", kCodonTGA, 52, true},
-    {"--TAG_", kCodonTAG, 28, true},
-    {"--ATG_", kCodonATG, 19, false},
-    {"--GTG_", kCodonGTG, 17, false},
-    {"--TTG_", kCodonTTG, 16, false},
-    {"--CTG_", kCodonCTG, 18, false},
+    {"--TAA_", kCodonTAA, ReverseComplementCodon(kCodonTAA), true},
+    {"--TGA_", kCodonTGA, ReverseComplementCodon(kCodonTGA), true},
+    {"--TAG_", kCodonTAG, ReverseComplementCodon(kCodonTAG), true},
+    {"--ATG_", kCodonATG, ReverseComplementCodon(kCodonATG), false},
+    {"--GTG_", kCodonGTG, ReverseComplementCodon(kCodonGTG), false},
+    {"--TTG_", kCodonTTG, ReverseComplementCodon(kCodonTTG), false},
+    {"--CTG_", kCodonCTG, ReverseComplementCodon(kCodonCTG), false},
 }};
 
 std::uint64_t SumOver(const std::array<bool, 65>& set, const std::array<std::uint64_t, 65>& usage) {

@@ -25,6 +25,17 @@ constexpr bool IsBase(std::uint8_t code) {
   return code < kOther;
 }
 
+// The codon index of three base codes, 16 * first + 4 * second + third (ATG = 14).
+constexpr unsigned CodonIndex(unsigned first, unsigned second, unsigned third) {
+  return 16 * first + 4 * second + third;
+}
+
+// The index of the codon's reverse complement: the codon as the other strand reads it, its bases
+// complemented (x -> 3 - x) in reverse order.
+constexpr unsigned ReverseComplementCodon(unsigned codon) {
+  return CodonIndex(3 - codon % 4, 3 - codon / 4 % 4, 3 - codon / 16);
+}
+
 // Maps every input byte to its base code, or kDropped for a byte that is not a letter.
 using CodeTable = std::array<std::uint8_t, 256>;
 const CodeTable& BaseCodeTable();
