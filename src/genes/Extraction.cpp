@@ -14,6 +14,7 @@
 #include "common/Message.h"
 #include "common/Output.h"
 #include "genes/Genome.h"
+#include "seq/SSeq.h"
 
 namespace genetrain {
 
@@ -58,19 +59,6 @@ bool CodingPiece(const VSeq& seq, const GENE& gene, const CodingRules& rules, Co
                         ClampToInt(gene.right - rules.right_margin), Strand::kDirect);
   }
   return static_cast<std::int64_t>(piece.size()) == trimmed;
-}
-
-using BaseCounts = std::array<std::uint64_t, 256>;
-
-void CountCodes(const CodeSeq& codes, BaseCounts& counts) {
-  for (const std::uint8_t code : codes) ++counts[code];
-}
-
-// (C + G) * 100 / (A + C + G + T), 0 without any of the four.
-double GcPercent(const BaseCounts& counts) {
-  const std::uint64_t acgt = counts[kA] + counts[kC] + counts[kG] + counts[kT];
-  if (acgt == 0) return 0;
-  return static_cast<double>(counts[kC] + counts[kG]) * 100 / static_cast<double>(acgt);
 }
 
 // --non must name a file; the margins are read and checked (--intergenic does not use them).
@@ -185,25 +173,25 @@ bool RunStatNonVsAll(Genome& genome, Param& param) {
   genome.seq_length = set.max_right;
   genome.ExtractNonCoding(seq, set);
 
-  BaseCounts nonCounts{};
+  SSeq::Tally nonCounts;
   std::uint64_t nonLength = 0;
   for (const CodeSeq& run : genome.non) {
-    CountCodes(run, nonCounts);
+    SSeq::AddCodes(run, nonCounts);
     nonLength += run.size();
   }
   if (genome.seq_length == 0) {
     PrintError({"error: sequence size is <0>"});
     return false;
   }
-  BaseCounts allCounts{};
-  CountCodes(seq.sequence, allCounts);
+  SSeq::Tally allCounts;
+  SSeq::AddCodes(seq.sequence, allCounts);
 
   std::string line;
   AppendGeneral(line, static_cast<double>(nonLength) / genome.seq_length);
   line.append("  ");
-  AppendFixed(line, GcPercent(allCounts), 1);
+  AppendFixed(line, SSeq::GcPercent(allCounts), 1);
   line.push_back(' ');
-  AppendGeneral(line, GcPercent(nonCounts));
+  AppendGeneral(line, SSeq::GcPercent(nonCounts));
   line.push_back('\n');
   WriteStdout(line);
   return true;

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "genes/Strand.h"
+#include "seq/Strand.h"
 
 namespace genetrain {
 

@@ -11,6 +11,7 @@
 #include "model/ModelBuild.h"
 #include "model/ModelFile.h"
 #include "seq/LetterTables.h"
+#include "seq/SSeq.h"
 
 namespace genetrain {
 
@@ -158,13 +159,9 @@ bool BuildFromFiles(Report& report, Param& param) {
 }  // namespace
 
 double GcFraction(const std::vector<CodeSeq>& sequences) {
-  std::uint64_t counts[6] = {};
-  for (const CodeSeq& sequence : sequences) {
-    for (const std::uint8_t code : sequence) ++counts[code < 5 ? code : 5];
-  }
-  const std::uint64_t acgt = counts[kA] + counts[kC] + counts[kG] + counts[kT];
-  if (acgt == 0) return 0;
-  return static_cast<double>(counts[kC] + counts[kG]) / static_cast<double>(acgt);
+  SSeq::Tally tally;
+  for (const CodeSeq& sequence : sequences) SSeq::AddCodes(sequence, tally);
+  return SSeq::GcShare(tally, 1);
 }
 
 void EstimateStartCodons(Genome& genome) {

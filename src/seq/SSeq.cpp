@@ -1,7 +1,10 @@
 #include "seq/SSeq.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+
+#include "seq/LetterTables.h"
 
 namespace genetrain {
 
@@ -57,10 +60,21 @@ double SSeq::GcPercent(const LetterCounts& counts) {
   return GcPercent(Tally{counts['A'], counts['C'], counts['G'], counts['T'], counts['N']});
 }
 
-double SSeq::GcPercent(const Tally& tally) {
+double SSeq::GcShare(const Tally& tally, double scale) {
   const std::uint64_t acgt = tally.Unambiguous();
   if (acgt == 0) return 0;
-  return static_cast<double>(tally.g + tally.c) * 100 / static_cast<double>(acgt);
+  return static_cast<double>(tally.g + tally.c) * scale / static_cast<double>(acgt);
+}
+
+// A table of counters per code, then the tally: no branch per base.
+void SSeq::AddCodes(const std::vector<std::uint8_t>& codes, Tally& tally) {
+  std::array<std::uint64_t, 256> counts{};
+  for (const std::uint8_t code : codes) ++counts[code];
+  tally.a += counts[kA];
+  tally.c += counts[kC];
+  tally.g += counts[kG];
+  tally.t += counts[kT];
+  tally.n += codes.size() - counts[kA] - counts[kC] - counts[kG] - counts[kT];
 }
 
 // Per block the flags of each byte add up in 8-bit counters. The inner loop has neither branch

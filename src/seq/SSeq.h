@@ -47,7 +47,13 @@ class SSeq : public Report {
   static Tally TallyLetters(std::string_view raw);
   // (G + C) * 100 / (A + C + G + T) over the capital letters' counters; 0 without any of them.
   static double GcPercent(const LetterCounts& counts);
-  static double GcPercent(const Tally& tally);
+  static double GcPercent(const Tally& tally) { return GcShare(tally, 100); }
+  // (G + C) * scale / (A + C + G + T) in double precision, 0 without any of the four: the one
+  // GC computation. Scale 100 gives the percentage the reports print, 1 the fraction a random
+  // non-coding chain takes.
+  static double GcShare(const Tally& tally, double scale);
+  // Adds the base codes (A 0, C 1, G 2, T 3, anything else N) to the tally.
+  static void AddCodes(const std::vector<std::uint8_t>& codes, Tally& tally);
 
   // Statistics (--stat, --gc).
   bool Stat(Param& param);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "common/Param.h"
-#include "genes/Strand.h"
+#include "seq/Strand.h"
 #include "seq/LetterTables.h"
 
 namespace genetrain {

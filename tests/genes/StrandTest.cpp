@@ -1,4 +1,4 @@
-#include "genes/Strand.h"
+#include "seq/Strand.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#ifndef GENETRAIN_GENES_STRAND_H
-#define GENETRAIN_GENES_STRAND_H
+#ifndef GENETRAIN_SEQ_STRAND_H
+#define GENETRAIN_SEQ_STRAND_H
 
 #include <cstdint>
 
