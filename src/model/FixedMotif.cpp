@@ -5,6 +5,7 @@
 
 #include "common/Format.h"
 #include "common/Message.h"
+#include "common/Output.h"
 #include "model/ModelBuild.h"
 #include "motif/PositionMatrix.h"
 #include "seq/LetterTables.h"
@@ -111,12 +112,12 @@ bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const Gene
   report.SetInt("--RBSL", "RBSL ", std::int64_t{options.upstream} + 3 - options.width);
   report.Set("--RBSD", "RBSD ", "1");
 
+  // The log is a file of its own, appended to: the matrix and the end of line that closes it.
   const std::string log = param.ValueOrEmpty("--log");
   if (log.empty()) return true;
-  report.Set("--log", "", LogMatrix(matrix, options.upstream, precision));
-  report.ClearRequests();
-  report.Request("--log");
-  return report.Write(log, true);
+  std::string text = LogMatrix(matrix, options.upstream, precision);
+  text.push_back('\n');
+  return WriteFile(log, text, OutputMode::kAppend);
 }
 
 }  // namespace genetrain
