@@ -86,10 +86,11 @@ bool OutputFile::Open(const std::string& name, OutputMode mode, OpenFailure fail
   target_ = name;
   error_ = 0;
   // A quiet open leaves its failure to the caller's message; later ones are reported as usual.
-  reported_ = failure == OpenFailure::kQuiet;
-  const bool opened = OpenTarget(mode);
-  if (opened) reported_ = false;
-  return opened;
+  reported_ = false;
+  if (OpenTarget(mode)) return true;
+  if (failure == OpenFailure::kPrint) Report();
+  reported_ = true;
+  return false;
 }
 
 namespace {
@@ -265,10 +266,7 @@ bool OutputFile::Commit() {
   }
   kind_ = Kind::kClosed;
   if (error_ == 0) return true;
-  if (!reported_) {
-    reported_ = true;
-    PrintError({"error: file <", name_, "> cannot be written: ", std::strerror(error_)});
-  }
+  Report();
   return false;
 }
 
@@ -293,26 +291,23 @@ void OutputFile::Close() {
 
 bool OutputFile::Fail(int error) {
   if (error_ == 0) error_ = error;
-  if (kind_ == Kind::kClosed && fd_ < 0) {
-    // Failed while opening: nothing to put in place, so report now.
-    if (!reported_) {
-      reported_ = true;
-      PrintError({"error: file <", name_, "> cannot be written: ", std::strerror(error_)});
-    }
-  }
   return false;
 }
 
-bool WriteFile(const std::string& name, std::string_view text, OutputMode mode) {
-  OutputFile file;
-  if (!file.Open(name, mode)) return false;
-  file.Write(text);
-  return file.Commit();
+void OutputFile::Report() {
+  if (reported_) return;
+  reported_ = true;
+  PrintError({"error: file <", name_, "> cannot be written: ", std::strerror(error_)});
 }
 
-bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts) {
+bool WriteFile(const std::string& name, std::string_view text, OutputMode mode) {
+  return WriteFile(name, {text}, mode);
+}
+
+bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts,
+               OutputMode mode) {
   OutputFile file;
-  if (!file.Open(name)) return false;
+  if (!file.Open(name, mode)) return false;
   for (const std::string_view part : parts) file.Write(part);
   return file.Commit();
 }

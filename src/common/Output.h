@@ -76,7 +76,9 @@ class OutputFile {
   void Flush();
   void WriteOut(std::string_view bytes);
   bool AppendPending();
+  // Records the first failure; Report prints it once.
   bool Fail(int error);
+  void Report();
   void Close();
 
   std::string name_;       // as the user gave it: the messages show it
@@ -94,8 +96,9 @@ class OutputFile {
 // to; false, with the message printed, when it cannot be written.
 bool WriteFile(const std::string& name, std::string_view text,
                OutputMode mode = OutputMode::kReplace);
-// The parts one after the other, replacing the named file, without joining them first.
-bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts);
+// The parts one after the other, without joining them first.
+bool WriteFile(const std::string& name, std::initializer_list<std::string_view> parts,
+               OutputMode mode = OutputMode::kReplace);
 
 }  // namespace genetrain
 

@@ -321,15 +321,12 @@ std::optional<std::string> MkChain::ToText() const {
   return ToText(precision);
 }
 
-bool MkChain::Printable() const {
-  return static_cast<unsigned>(precision) <= kMaxPrintPrecision;
+bool MkChain::Printable(int digits) {
+  return static_cast<unsigned>(digits) <= kMaxPrintPrecision;
 }
 
 bool MkChain::CheckPrecision(int digits) {
-  if (static_cast<unsigned>(digits) > kMaxPrintPrecision) {
-    return Fail({"error: precision ", Number(digits)});
-  }
-  return true;
+  return Printable(digits) || Fail({"error: precision ", Number(digits)});
 }
 
 std::optional<std::string> MkChain::ToText(int digits) const {

@@ -66,7 +66,7 @@ class MkChain {
   // before it touches its output.
   [[nodiscard]] bool CheckPrecision() const { return CheckPrecision(precision); }
   // The same test, silent.
-  bool Printable() const;
+  bool Printable() const { return Printable(precision); }
 
   // The index of the reverse complement of a word of `letters` letters; 0 for no letters.
   static std::uint32_t ReverseComplementIndex(std::uint32_t word, int letters);
@@ -94,6 +94,7 @@ class MkChain {
   bool NormaliseTables(int pseudocount_value);
   bool ExtendTable(int pseudocount_value);
   static bool CheckPrecision(int digits);
+  static bool Printable(int digits);
   void AppendRow(std::string& text, std::size_t word, int digits) const;
 
   bool valid_ = true;

@@ -143,7 +143,9 @@ bool BuildFromFiles(Report& report, Param& param) {
   if (!nonChain.Valid()) return false;
   nonChain.ClearMargins();
   if (WantsRandomNonCoding(param)) {
-    double gc = GcFraction({nonCoding.sequence});
+    SSeq::Tally tally;  // counted in place: the file's sequence is not copied into a list
+    SSeq::AddCodes(nonCoding.sequence, tally);
+    double gc = SSeq::GcShare(tally, 1);
     if (!ReadRandomGc(param, gc)) return false;
     nonChain.SetRandom(gc);
   } else if (!nonChain.Estimate(nonCoding.sequence)) {
