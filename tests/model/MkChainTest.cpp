@@ -104,23 +104,6 @@ TEST(MkChainTest, ReverseComplementIndex) {
   }
 }
 
-TEST(MkChainTest, ConstructorSizesTablesAndKeepsDefaults) {
-  const MkChain coding(2, 3, 2);
-  ASSERT_EQ(coding.tables.size(), 3u);
-  for (const std::vector<double>& table : coding.tables) {
-    EXPECT_EQ(table.size(), 64u);
-    EXPECT_EQ(std::count(table.begin(), table.end(), 0.0), 64);
-  }
-  EXPECT_EQ(coding.left_margin, 3);
-  EXPECT_EQ(coding.right_margin, 3);
-  EXPECT_EQ(coding.pseudocount, 1);
-  EXPECT_EQ(coding.precision, 5);
-  EXPECT_FALSE(coding.revcomp);
-  const MkChain noncoding(0, 1, 0);
-  ASSERT_EQ(noncoding.tables.size(), 1u);
-  EXPECT_EQ(noncoding.tables[0].size(), 4u);
-}
-
 TEST(MkChainTest, ConstructorReadsOptions) {
   Param param;
   param.Set("--order_non", "1");
@@ -413,24 +396,6 @@ TEST(MkChainTest, EstimatesAddUp) {
   ASSERT_TRUE(chain.Estimate({Codes("A")}, 0, 0, 0));
   ASSERT_TRUE(chain.Estimate({Codes("C")}, 0, 0, 0));  // adds 1 to A = 1: A = 1/2, C = 1/2
   EXPECT_EQ(chain.tables[0], (std::vector<double>{0.5, 0.5, 0, 0}));
-}
-
-TEST(MkChainTest, DeferredTablesAreMadeByTheEstimateAndReleased) {
-  Param param;
-  param.Set("--MKCHAIN_PRECISION", "3");
-  MkChain deferred(2, 3, param, MkChain::Deferred{});
-  EXPECT_TRUE(deferred.tables.empty());
-  EXPECT_EQ(deferred.precision, 3);
-  MkChain sized(2, 3, param);
-  const std::vector<CodeSeq> genes = {Codes("ATGAAACCCGGGTTTACGTAA"), Codes("ATGCCCAAATGA")};
-  ASSERT_TRUE(deferred.Estimate(genes));
-  ASSERT_TRUE(sized.Estimate(genes));
-  EXPECT_EQ(deferred.tables, sized.tables);
-  deferred.Release();
-  EXPECT_TRUE(deferred.tables.empty());
-  MkChain random(1, 1, param, MkChain::Deferred{});
-  random.SetRandom(0.5);
-  EXPECT_EQ(random.tables[0].size(), 16u);
 }
 
 TEST(MkChainTest, WrittenTextIsTheTextInSlices) {

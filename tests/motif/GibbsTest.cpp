@@ -46,20 +46,6 @@ TEST(GibbsLayout, GibbsLineWithinTheFirstElevenLines) {
   EXPECT_EQ(LayoutOf(""), GibbsLayout::kMotif);
 }
 
-// An unreadable file has no layout, so Parse runs neither parser and fails.
-TEST(GibbsLayout, MissingFileIsUnreadable) {
-  test::ScratchDir dir;
-  const std::string name = dir.Path("absent.txt");
-  Gibbs gibbs;
-  CaptureStderr();
-  EXPECT_EQ(gibbs.DetectLayout(name), GibbsLayout::kUnreadable);
-  EXPECT_EQ(GetCapturedStderr(), "error: opening file " + name + "\n");
-  CaptureStderr();
-  EXPECT_FALSE(gibbs.Parse(name));
-  EXPECT_EQ(GetCapturedStderr(), "error: opening file " + name + "\n");
-  EXPECT_TRUE(gibbs.sites.empty());
-}
-
 // Warnings of the parsers.
 std::string OddLine(const std::string& line) {
   return "warning: unexpected line in gibbs paring: " + line + "\n";
