@@ -4,15 +4,17 @@
 #include <gtest/gtest.h>
 
 #include "common/Param.h"
+#include "seq/LetterTables.h"
+#include "seq/VSeq.h"
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
-#include <utility>
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace genetrain::test {
 
@@ -53,19 +55,35 @@ struct Outcome {
 
 using Pairs = std::initializer_list<std::pair<std::string, std::string>>;
 
+// What a call returned and printed on both streams.
+template <typename Call>
+Outcome Capture(Call&& call) {
+  Outcome run;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  run.ok = call();
+  run.out = testing::internal::GetCapturedStdout();
+  run.err = testing::internal::GetCapturedStderr();
+  return run;
+}
+
+// Letters to base codes as the sequence reader makes them; X is a masked base.
+inline genetrain::CodeSeq CodesOf(std::string_view letters) {
+  genetrain::CodeSeq codes;
+  for (const char letter : letters) {
+    codes.push_back(letter == 'X' ? std::uint8_t{genetrain::kMasked}
+                                  : genetrain::BaseCodeTable()[static_cast<unsigned char>(letter)]);
+  }
+  return codes;
+}
+
 // Runs a handler of a fresh working object on a store holding the pairs, catching both streams.
 template <typename Object>
 Outcome RunCommand(bool (Object::*handler)(genetrain::Param&), Pairs pairs) {
   genetrain::Param param;
   for (const auto& [key, value] : pairs) param.Set(key, value);
   Object object;
-  Outcome run;
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  run.ok = (object.*handler)(param);
-  run.out = testing::internal::GetCapturedStdout();
-  run.err = testing::internal::GetCapturedStderr();
-  return run;
+  return Capture([&] { return (object.*handler)(param); });
 }
 
 }  // namespace genetrain::test

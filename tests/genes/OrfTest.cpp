@@ -14,6 +14,7 @@
 namespace genetrain {
 namespace {
 
+using test::CodesOf;
 using testing::internal::CaptureStderr;
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStderr;
@@ -32,16 +33,6 @@ std::vector<std::string> Shown(const std::vector<GENE>& orfs) {
   return lines;
 }
 
-CodeSeq Codes(std::string_view bases) {
-  CodeSeq codes;
-  for (const char base : bases) {
-    const std::string_view letters = "ACGT";
-    const std::size_t code = letters.find(base);
-    codes.push_back(static_cast<std::uint8_t>(code == std::string_view::npos ? 4 : code));
-  }
-  return codes;
-}
-
 Param Options(const std::vector<std::string>& pairs) {
   Param param;
   for (std::size_t i = 0; i + 1 < pairs.size(); i += 2) param.Set(pairs[i], pairs[i + 1]);
@@ -53,7 +44,7 @@ ORF Searched(std::string_view bases, const std::vector<std::string>& pairs, std:
   Param param = Options(pairs);
   ORF orf;
   EXPECT_TRUE(orf.ReadCodons(param));
-  orf.BuildCodonArray(Codes(bases));
+  orf.BuildCodonArray(CodesOf(bases));
   orf.SearchDirect(min);
   orf.SearchReverse(min);
   return orf;
@@ -146,7 +137,7 @@ TEST(OrfCodons, FirstMalformedOptionFails) {
 TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsage) {
   ORF orf;
   orf.codon_usage[5] = 7;  // reset by the build
-  orf.BuildCodonArray(Codes("ATGNAAAT"));
+  orf.BuildCodonArray(CodesOf("ATGNAAAT"));
   EXPECT_EQ(orf.codon_array, (std::vector<std::uint8_t>{64, 64, 14, 64, 64, 64, 0, 3}));
   std::uint64_t total = 0;
   for (const std::uint64_t count : orf.codon_usage) total += count;
@@ -155,7 +146,7 @@ TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsage) {
   EXPECT_EQ(orf.codon_usage[14], 1u);
   EXPECT_EQ(orf.codon_usage[5], 0u);
 
-  orf.BuildCodonArray(Codes("AC"));
+  orf.BuildCodonArray(CodesOf("AC"));
   EXPECT_EQ(orf.codon_array, (std::vector<std::uint8_t>{64, 64}));
   EXPECT_EQ(orf.codon_usage[64], 0u);
 }
@@ -234,7 +225,7 @@ CodeSeq RandomCodes(std::mt19937& random, int length) {
   CodeSeq codes;
   while (static_cast<int>(codes.size()) < length) {
     if (random() % 2 == 0) {
-      const CodeSeq codon = Codes(kCodons[random() % kCodons.size()]);
+      const CodeSeq codon = CodesOf(kCodons[random() % kCodons.size()]);
       codes.insert(codes.end(), codon.begin(), codon.end());
     } else {
       codes.push_back(
@@ -285,7 +276,7 @@ TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
 
 TEST(OrfSearch, ScansAppendToTheList) {
   ORF orf = Searched("ATGAAATAA", kAtgTaa, 0);
-  orf.BuildCodonArray(Codes("TTATTTCAT"));
+  orf.BuildCodonArray(CodesOf("TTATTTCAT"));
   orf.SearchDirect(0);
   orf.SearchReverse(0);
   EXPECT_EQ(Shown(orf.orfs), (std::vector<std::string>{"1 2 8 oc", "2 2 8 co"}));
@@ -294,7 +285,7 @@ TEST(OrfSearch, ScansAppendToTheList) {
 std::string ListOf(const ORF& orf, std::string_view bases, const std::vector<std::string>& pairs) {
   Param param = Options(pairs);
   VSeq seq;
-  seq.sequence = Codes(bases);
+  seq.sequence = CodesOf(bases);
   std::string list = "untouched";
   EXPECT_TRUE(orf.ListWithMargins(param, seq, list));
   return list;

@@ -18,41 +18,15 @@
 namespace genetrain {
 namespace {
 
+using test::Capture;
+using test::CodesOf;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
-
-// Letters to base codes; any other letter is an unknown base, X a masked one.
-CodeSeq Codes(const std::string& letters) {
-  CodeSeq codes;
-  for (const char letter : letters) {
-    switch (letter) {
-      case 'A':
-        codes.push_back(0);
-        break;
-      case 'C':
-        codes.push_back(1);
-        break;
-      case 'G':
-        codes.push_back(2);
-        break;
-      case 'T':
-        codes.push_back(3);
-        break;
-      case 'X':
-        codes.push_back(5);
-        break;
-      default:
-        codes.push_back(4);
-        break;
-    }
-  }
-  return codes;
-}
 
 // The word index of a word in letters.
 std::size_t Word(const std::string& letters) {
   std::size_t index = 0;
-  for (const std::uint8_t code : Codes(letters)) index = index * 4 + code;
+  for (const std::uint8_t code : CodesOf(letters)) index = index * 4 + code;
   return index;
 }
 
@@ -71,7 +45,7 @@ MkChain Coding(int order, const std::vector<std::string>& sequences, int left, i
                int pseudocount) {
   MkChain chain(order, 3, order);
   std::vector<CodeSeq> list;
-  for (const std::string& letters : sequences) list.push_back(Codes(letters));
+  for (const std::string& letters : sequences) list.push_back(CodesOf(letters));
   EXPECT_TRUE(chain.Estimate(list, left, right, pseudocount));
   return chain;
 }
@@ -155,7 +129,7 @@ TEST(MkChainTest, MalformedOptionsAreReportedAndKeepDefaults) {
 
 TEST(MkChainTest, OrderZeroFromOneSequence) {
   MkChain chain(0, 1, 0);
-  ASSERT_TRUE(chain.Estimate(Codes("ACGTAC")));  // A 2, C 2, G 1, T 1; (count + 1) / (6 + 4)
+  ASSERT_TRUE(chain.Estimate(CodesOf("ACGTAC")));  // A 2, C 2, G 1, T 1; (count + 1) / (6 + 4)
   EXPECT_EQ(chain.ToText(), Column({"0.30000", "0.30000", "0.20000", "0.20000"}));
   // Each entry is the quotient itself (3 * (1 / 10) would be one unit in the last place off).
   EXPECT_EQ(chain.tables[0], (std::vector<double>{3.0 / 10, 3.0 / 10, 2.0 / 10, 2.0 / 10}));
@@ -165,22 +139,22 @@ TEST(MkChainTest, OrderZeroFromOneSequence) {
 
 TEST(MkChainTest, PseudocountWeighsEveryWord) {
   MkChain none(0, 1, 0);
-  ASSERT_TRUE(none.Estimate({Codes("ACGTAC")}, 0, 0, 0));
+  ASSERT_TRUE(none.Estimate({CodesOf("ACGTAC")}, 0, 0, 0));
   EXPECT_EQ(none.ToText(), Column({"0.33333", "0.33333", "0.16667", "0.16667"}));
   MkChain two(0, 1, 0);
-  ASSERT_TRUE(two.Estimate({Codes("ACGTAC")}, 0, 0, 2));  // (count + 2) / (6 + 8)
+  ASSERT_TRUE(two.Estimate({CodesOf("ACGTAC")}, 0, 0, 2));  // (count + 2) / (6 + 8)
   EXPECT_EQ(two.ToText(), Column({"0.28571", "0.28571", "0.21429", "0.21429"}));
   // The chain's own pseudocount in the single-sequence form.
   MkChain own(0, 1, 0);
   own.pseudocount = 0;
-  ASSERT_TRUE(own.Estimate(Codes("AAAC")));
+  ASSERT_TRUE(own.Estimate(CodesOf("AAAC")));
   EXPECT_EQ(own.ToText(), Column({"0.75000", "0.25000", "0.00000", "0.00000"}));
 }
 
 TEST(MkChainTest, OrderOneFromOneSequence) {
   // Words AA, AC, CG, GA; with pseudocount 1: (1 + 1) / (4 + 16) and 1 / 20.
   MkChain chain(1, 1, 1);
-  ASSERT_TRUE(chain.Estimate(Codes("AACGA")));
+  ASSERT_TRUE(chain.Estimate(CodesOf("AACGA")));
   std::vector<std::string> rows(16, "0.05000");
   for (const char* word : {"AA", "AC", "CG", "GA"}) rows[Word(word)] = "0.10000";
   EXPECT_EQ(chain.ToText(), Column(rows));
@@ -225,7 +199,7 @@ TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
   }
   // A stretch of exactly the count order loads the word and counts nothing.
   MkChain chain(2, 1, 2);
-  ASSERT_TRUE(chain.Estimate({Codes("AC"), Codes("ACGN"), Codes("TTT")}, 0, 0, 0));
+  ASSERT_TRUE(chain.Estimate({CodesOf("AC"), CodesOf("ACGN"), CodesOf("TTT")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   rows[Word("ACG")] = "0.50000";
   rows[Word("TTT")] = "0.50000";
@@ -235,7 +209,7 @@ TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
 TEST(MkChainTest, ShortSequencesAreSkipped) {
   // Length 6 with margins 3 and 3 gives nothing; length 7 gives one letter.
   MkChain chain(0, 1, 0);
-  ASSERT_TRUE(chain.Estimate({Codes("GGGCCC"), Codes("TTTATTT")}, 3, 3, 0));
+  ASSERT_TRUE(chain.Estimate({CodesOf("GGGCCC"), CodesOf("TTTATTT")}, 3, 3, 0));
   EXPECT_EQ(chain.tables[0], (std::vector<double>{1, 0, 0, 0}));
 }
 
@@ -245,7 +219,7 @@ TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
   // AA = TT = 0.5, of 6.
   MkChain chain(1, 1, 1);
   chain.revcomp = true;
-  ASSERT_TRUE(chain.Estimate({Codes("AACGT")}, 1, 0, 0));
+  ASSERT_TRUE(chain.Estimate({CodesOf("AACGT")}, 1, 0, 0));
   std::vector<std::string> rows(16, "0.00000");
   rows[Word("AC")] = rows[Word("GT")] = "0.25000";
   rows[Word("CG")] = "0.33333";
@@ -256,21 +230,21 @@ TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
 TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
   MkChain chain(3, 1, 3);
   chain.revcomp = true;
-  ASSERT_TRUE(
-      chain.Estimate({Codes("ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT"), Codes("CCCGGGAT")}, 2, 1, 1));
+  ASSERT_TRUE(chain.Estimate({CodesOf("ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT"), CodesOf("CCCGGGAT")},
+                             2, 1, 1));
   for (std::uint32_t word = 0; word < 256; ++word) {
     ASSERT_EQ(chain.tables[0][word], chain.tables[0][MkChain::ReverseComplementIndex(word, 4)]);
   }
   // Period 3 never counts the reverse strand.
   MkChain coding(0, 3, 0);
   coding.revcomp = true;
-  ASSERT_TRUE(coding.Estimate({Codes("AAA")}, 0, 0, 0));
+  ASSERT_TRUE(coding.Estimate({CodesOf("AAA")}, 0, 0, 0));
   EXPECT_EQ(coding.tables[0], (std::vector<double>{1, 0, 0, 0}));
   // Without symmetrising, one sequence on both strands: AAC and GTT.
   MkChain whole(0, 1, 0);
   whole.revcomp = true;
   whole.pseudocount = 0;
-  ASSERT_TRUE(whole.Estimate(Codes("AAC")));
+  ASSERT_TRUE(whole.Estimate(CodesOf("AAC")));
   EXPECT_EQ(whole.ToText(), Column({"0.33333", "0.16667", "0.16667", "0.33333"}));
 }
 
@@ -278,7 +252,7 @@ TEST(MkChainTest, OrderOneFromCountOrderZero) {
   // AAT: A 3/7, C 1/7, G 1/7, T 2/7 with pseudocount 1; the products are symmetrised, of 49:
   // AA = TT = 6.5, AT = TA = 6, CC = CG = GC = GG = 1, the rest 2.5.
   MkChain chain(1, 1, 0);
-  ASSERT_TRUE(chain.Estimate({Codes("AAT")}, 0, 0, 1));
+  ASSERT_TRUE(chain.Estimate({CodesOf("AAT")}, 0, 0, 1));
   std::vector<std::string> rows(16, "0.05102");
   rows[Word("AA")] = rows[Word("TT")] = "0.13265";
   rows[Word("AT")] = rows[Word("TA")] = "0.12245";
@@ -292,7 +266,7 @@ TEST(MkChainTest, OrderTwoFromCountOrderZero) {
   // T 5/9. So AAA 25, AAT 20, ATA 20, ATT 16, TAA 16, TAT 20, TTA 20, TTT 25 (of 162), and
   // symmetrised: AAT = ATT = TAA = TTA = 18.
   MkChain chain(2, 1, 0);
-  ASSERT_TRUE(chain.Estimate({Codes("AAT")}, 0, 0, 0));
+  ASSERT_TRUE(chain.Estimate({CodesOf("AAT")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   rows[Word("AAA")] = rows[Word("TTT")] = "0.15432";
   rows[Word("ATA")] = rows[Word("TAT")] = "0.12346";
@@ -306,7 +280,7 @@ TEST(MkChainTest, ExtensionWeighsByTheFirstLettersOfTheWord) {
   // CAA = 1/3; symmetrised with GGT, CGT, GCT, CCT and TTG. ACA stays 0: the letter after AC is
   // weighed by the group of its first letter A, not by the letters that follow C.
   MkChain chain(2, 1, 1);
-  ASSERT_TRUE(chain.Estimate({Codes("ACAG")}, 0, 0, 0));
+  ASSERT_TRUE(chain.Estimate({CodesOf("ACAG")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   for (const char* word : {"ACC", "GGT", "ACG", "CGT", "AGC", "GCT", "AGG", "CCT"}) {
     rows[Word(word)] = "0.08333";
@@ -393,8 +367,8 @@ TEST(MkChainTest, OtherTableCountsPrintOnlyTheNewline) {
 
 TEST(MkChainTest, EstimatesAddUp) {
   MkChain chain(0, 1, 0);
-  ASSERT_TRUE(chain.Estimate({Codes("A")}, 0, 0, 0));
-  ASSERT_TRUE(chain.Estimate({Codes("C")}, 0, 0, 0));  // adds 1 to A = 1: A = 1/2, C = 1/2
+  ASSERT_TRUE(chain.Estimate({CodesOf("A")}, 0, 0, 0));
+  ASSERT_TRUE(chain.Estimate({CodesOf("C")}, 0, 0, 0));  // adds 1 to A = 1: A = 1/2, C = 1/2
   EXPECT_EQ(chain.tables[0], (std::vector<double>{0.5, 0.5, 0, 0}));
 }
 
@@ -420,22 +394,7 @@ TEST(MkChainTest, WrittenTextIsTheTextInSlices) {
 }
 
 std::vector<CodeSeq> One(const std::string& letters) {
-  return {Codes(letters)};
-}
-
-// What a call returned and printed to standard error.
-struct Printed {
-  bool ok = false;
-  std::string err;
-};
-
-template <typename Call>
-Printed Capture(Call call) {
-  CaptureStderr();
-  Printed printed;
-  printed.ok = call();
-  printed.err = GetCapturedStderr();
-  return printed;
+  return {CodesOf(letters)};
 }
 
 // An invalid setting prints its message once and leaves the chain without tables: a table of the
@@ -496,14 +455,14 @@ TEST(MkChainFailureTest, InvalidSettingsFromOptionsStopTheReading) {
 
 void ExpectEstimateFails(MkChain chain, const std::vector<CodeSeq>& sequences, int left, int right,
                          int pseudocount, const std::string& message) {
-  const Printed printed =
+  const test::Outcome printed =
       Capture([&] { return chain.Estimate(sequences, left, right, pseudocount); });
   EXPECT_FALSE(printed.ok) << message;
   EXPECT_EQ(printed.err, message);
 }
 
 TEST(MkChainFailureTest, EstimationErrors) {
-  Printed printed = Capture([] { return MkChain(1, 3, 1).Estimate(std::vector<CodeSeq>{}); });
+  test::Outcome printed = Capture([] { return MkChain(1, 3, 1).Estimate(std::vector<CodeSeq>{}); });
   EXPECT_FALSE(printed.ok);
   EXPECT_EQ(printed.err, "error: data input empty \n");
   printed = Capture([] { return MkChain(1, 1, 1).Estimate(CodeSeq{}); });
@@ -544,7 +503,7 @@ TEST(MkChainFailureTest, PrecisionLimit) {
   test::ScratchDir dir;
   OutputFile file;
   ASSERT_TRUE(file.Open(dir.Path("chain.txt")));
-  const Printed printed = Capture([&] { return chain.WriteText(file); });
+  const test::Outcome printed = Capture([&] { return chain.WriteText(file); });
   EXPECT_FALSE(printed.ok);
   EXPECT_EQ(printed.err, "error: precision 12\n");
   ASSERT_TRUE(file.Commit());
@@ -590,7 +549,7 @@ TEST(MkChainFailureTest, EstimateFailsExactlyWhenAFrameHasNoWord) {
     chain.right_margin = round % 5 == 0 ? 1 : 0;
     const bool expected =
         EveryFrameCounted(sequences, chain.left_margin, chain.right_margin, order, period);
-    const Printed printed = Capture([&] { return chain.Estimate(sequences); });
+    const test::Outcome printed = Capture([&] { return chain.Estimate(sequences); });
     EXPECT_EQ(printed.ok, expected) << round;
     if (expected) {
       EXPECT_EQ(printed.err, "") << round;

@@ -15,6 +15,7 @@
 namespace genetrain {
 namespace {
 
+using test::Capture;
 using testing::internal::CaptureStderr;
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStderr;
@@ -148,23 +149,6 @@ TEST(FastaBlocks, FileCountsAreThoseOfTheWholeText) {
       }
     }
   }
-}
-
-struct Written {
-  bool ok = false;
-  std::string out;
-  std::string err;
-};
-
-template <typename Write>
-Written Capture(Write&& write) {
-  Written run;
-  CaptureStdout();
-  CaptureStderr();
-  run.ok = write();
-  run.out = GetCapturedStdout();
-  run.err = GetCapturedStderr();
-  return run;
 }
 
 // The record utilities write the same bytes whatever the blocks, also while flushing their
