@@ -63,6 +63,8 @@
 #   bool F, after the inputs .............. pre_start --PRE_START_INTERGENIC
 #   bool required ......................... clean_coding --PRINT_LABEL
 #   bool R, stop codon list ............... clean_coding --TAA_
+#   bool R, gene commands' stop codons ..... parse --TAA_ (read with the sequence; also --TAG_,
+#                                           --TGA_ of every gene command but orf)
 #   Genome's uint32 R, before the inputs .. parse --MIN_COD (also --MIN_NON of parse,
 #                                           intergenic, mkchain)
 #   Genome's bool R, before the inputs .... parse --SEPARATE_COD (also --EXCLUDE_PARTIAL)
@@ -113,7 +115,7 @@ entry clean_coding \
   "--seq" "--PRINT_LABEL --MKCHAIN_L_MARGING --TAA_" ""
 entry gene_set_stat "--GENE_SET_STAT --geneset g.txt" "--geneset" "" ""
 entry parse "--parse --seq s.fa --geneset g.txt --cod cod.out --non non.out" "" \
-  "--MIN_COD --SEPARATE_COD" "--non"
+  "--MIN_COD --SEPARATE_COD --TAA_" "--non"
 entry intergenic "--intergenic --seq p.fa --geneset pairs.txt --non non.out" "--geneset" \
   "--shift_zero" ""
 entry stat_non_vs_all "--STAT_NON_VS_ALL --seq s.fa --geneset g.txt" "" "" ""
