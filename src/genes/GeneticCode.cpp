@@ -11,12 +11,7 @@
 namespace genetrain {
 
 bool VSeq::LoadForGenes(Param& param) {
-  // A malformed flag is reported and leaves its codon out.
-  for (const auto& [key, codon] : {std::pair{"--TAA_", kCodonTAA}, std::pair{"--TGA_", kCodonTGA},
-                                   std::pair{"--TAG_", kCodonTAG}}) {
-    stops[codon] = false;
-    param.GetOpt(stops[codon], key);
-  }
+  ReadStopCodons(param, OnBadFlag::kLeaveOut, stops);
   std::string name;
   if (!param.GetWord(name, "--seq")) return false;
   return ReadSingle(name);

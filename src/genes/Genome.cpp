@@ -10,10 +10,7 @@ Genome::Genome(Param& param) {
   param.GetOpt(start_precision, "--START_PRECISION");
   param.GetOpt(start_pseudocounts, "--START_PSEUDOCOUNTS");
   param.GetOpt(separate_cod, "--SEPARATE_COD");
-  param.GetOpt(start_codons[kCodonATG], "--ATG_");
-  param.GetOpt(start_codons[kCodonGTG], "--GTG_");
-  param.GetOpt(start_codons[kCodonTTG], "--TTG_");
-  param.GetOpt(start_codons[kCodonCTG], "--CTG_");
+  ReadStartCodons(param, OnBadFlag::kLeaveOut, start_codons);
 }
 
 void Genome::AppendSeq(std::string& out, const CodeSeq& codes) const {

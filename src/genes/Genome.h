@@ -52,17 +52,13 @@ class Genome {
   std::uint32_t min_non = 0;
   bool exclude_partial = true;
   std::array<char, 6> alphabet = {'A', 'C', 'G', 'T', 'N', 'X'};
-  std::array<bool, 64> start_codons{};
+  CodonSet start_codons;
   std::uint32_t start_precision = 3;
   std::uint32_t start_pseudocounts = 0;
   std::int32_t seq_length = 0;
   std::vector<std::int64_t> start_counts;
   std::vector<double> start_probs;
 };
-
-// Codon indices 16 * b1 + 4 * b2 + b3 of the codons the gene commands name.
-inline constexpr unsigned kCodonATG = 14, kCodonCTG = 30, kCodonGTG = 46, kCodonTTG = 62;
-inline constexpr unsigned kCodonTAA = 48, kCodonTAG = 50, kCodonTGA = 56;
 
 // A 64-bit coordinate held at the ends of the int range.
 inline int ClampToInt(std::int64_t value) {

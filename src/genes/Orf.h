@@ -23,9 +23,11 @@ class ORF {
   // that is not A, C, G or T among the three).
   static constexpr std::uint8_t kNoCodon = 64;
 
-  // Clears the four codon sets and fills them from --TAA_, --TGA_, --TAG_, --ATG_, --GTG_,
-  // --TTG_, --CTG_ (in that order); false at the first malformed value.
+  // Fills the four codon sets from --TAA_, --TGA_, --TAG_, --ATG_, --GTG_, --TTG_, --CTG_ (in
+  // that order); false at the first malformed value.
   bool ReadCodons(Param& param);
+  // The direct sets as given, the reverse ones as their reverse complements.
+  void SetCodons(const CodonSet& starts, const CodonSet& stops);
   // Codon index ending at every position (kNoCodon where there is none); counts every value
   // from position 2 on in codon_usage, which starts again from zero.
   void BuildCodonArray(const CodeSeq& codes);
@@ -50,10 +52,10 @@ class ORF {
   std::array<std::uint64_t, 65> codon_usage{};
   std::vector<std::uint8_t> codon_array;
   std::uint32_t min_orf_size = 0;
-  std::array<bool, 65> starts_direct{};
-  std::array<bool, 65> starts_reverse{};
-  std::array<bool, 65> stops_direct{};
-  std::array<bool, 65> stops_reverse{};
+  CodonSet starts_direct;
+  CodonSet starts_reverse;
+  CodonSet stops_direct;
+  CodonSet stops_reverse;
 
  private:
   // Fills codon_usage from codon_array.

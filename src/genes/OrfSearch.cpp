@@ -13,44 +13,29 @@ namespace genetrain {
 
 namespace {
 
-struct CodonOption {
-  std::string_view key;
-  unsigned direct;   // the codon on the direct strand
-  unsigned reverse;  // its reverse complement, as read on the direct strand
-  bool stop;
-};
-
-// Reading order matters: the first malformed value is the one reported.
-constexpr std::array<CodonOption, 7> kCodonOptions = {{
-    {"--TAA_", kCodonTAA, ReverseComplementCodon(kCodonTAA), true},
-    {"--TGA_", kCodonTGA, ReverseComplementCodon(kCodonTGA), true},
-    {"--TAG_", kCodonTAG, ReverseComplementCodon(kCodonTAG), true},
-    {"--ATG_", kCodonATG, ReverseComplementCodon(kCodonATG), false},
-    {"--GTG_", kCodonGTG, ReverseComplementCodon(kCodonGTG), false},
-    {"--TTG_", kCodonTTG, ReverseComplementCodon(kCodonTTG), false},
-    {"--CTG_", kCodonCTG, ReverseComplementCodon(kCodonCTG), false},
-}};
-
-std::uint64_t SumOver(const std::array<bool, 65>& set, const std::array<std::uint64_t, 65>& usage) {
+std::uint64_t SumOver(const CodonSet& set, const std::array<std::uint64_t, 65>& usage) {
   std::uint64_t sum = 0;
-  for (std::size_t codon = 0; codon < set.size(); ++codon) sum += set[codon] ? usage[codon] : 0;
+  for (unsigned codon = 0; codon < usage.size(); ++codon) sum += set[codon] ? usage[codon] : 0;
   return sum;
 }
 
 }  // namespace
 
 bool ORF::ReadCodons(Param& param) {
-  starts_direct.fill(false);
-  starts_reverse.fill(false);
-  stops_direct.fill(false);
-  stops_reverse.fill(false);
-  for (const CodonOption& option : kCodonOptions) {
-    bool wanted = false;
-    if (!param.GetOpt(wanted, option.key)) return false;
-    (option.stop ? stops_direct : starts_direct)[option.direct] = wanted;
-    (option.stop ? stops_reverse : starts_reverse)[option.reverse] = wanted;
+  CodonSet starts, stops;
+  if (!ReadStopCodons(param, OnBadFlag::kFail, stops) ||
+      !ReadStartCodons(param, OnBadFlag::kFail, starts)) {
+    return false;
   }
+  SetCodons(starts, stops);
   return true;
+}
+
+void ORF::SetCodons(const CodonSet& starts, const CodonSet& stops) {
+  starts_direct = starts;
+  stops_direct = stops;
+  starts_reverse = starts.ReverseComplemented();
+  stops_reverse = stops.ReverseComplemented();
 }
 
 namespace {
@@ -63,7 +48,7 @@ void Codons(const std::uint8_t* bases, std::size_t count, std::uint8_t* out) {
     // Every code that is not a base has a bit above the lowest two set, so one test of the three
     // codes together tells whether all are bases.
     const bool bases = IsBase(static_cast<std::uint8_t>(b1 | b2 | b3));
-    out[i] = static_cast<std::uint8_t>(bases ? 16 * b1 + 4 * b2 + b3 : ORF::kNoCodon);
+    out[i] = static_cast<std::uint8_t>(bases ? CodonIndex(b1, b2, b3) : ORF::kNoCodon);
   }
 }
 
@@ -135,9 +120,9 @@ struct CodonKinds {
   std::vector<std::uint8_t> listed;
 };
 
-CodonKinds KindsOf(const std::array<bool, 65>& starts, const std::array<bool, 65>& stops) {
+CodonKinds KindsOf(const CodonSet& starts, const CodonSet& stops) {
   CodonKinds kinds;
-  for (std::size_t codon = 0; codon < kinds.kind.size(); ++codon) {
+  for (unsigned codon = 0; codon < kinds.kind.size(); ++codon) {
     kinds.kind[codon] = static_cast<std::uint8_t>((starts[codon] ? 1 : 0) | (stops[codon] ? 2 : 0));
     if (kinds.kind[codon] != 0) kinds.listed.push_back(static_cast<std::uint8_t>(codon));
   }

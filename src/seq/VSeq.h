@@ -43,7 +43,7 @@ class VSeq {
 
   CodeSeq sequence;
   std::vector<CodeSeq> records;
-  std::array<bool, 64> stops{};  // stop codons by codon index; filled by the gene loader
+  CodonSet stops;  // filled by the gene loader
 };
 
 }  // namespace genetrain

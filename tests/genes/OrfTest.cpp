@@ -110,7 +110,6 @@ TEST(OrfCodons, OptionsFillBothStrandsSets) {
   Param param = Options({"--TAA_", "1", "--TGA_", "0.5", "--TAG_", "0", "--ATG_", "1", "--GTG_",
                          "2", "--TTG_", "-1", "--CTG_", "1"});
   ORF orf;
-  orf.starts_direct[0] = true;  // cleared first
   ASSERT_TRUE(orf.ReadCodons(param));
   std::vector<int> starts, stops, rstarts, rstops;
   for (int codon = 0; codon < 65; ++codon) {
@@ -248,12 +247,12 @@ TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
     const CodeSeq codes = RandomCodes(random, length);
     ORF orf;
     if (round % 7 == 6) {
-      // Any codon in any set, the no-codon index included.
-      for (int codon = 0; codon < 65; ++codon) {
-        orf.starts_direct[codon] = random() % 16 == 0;
-        orf.stops_direct[codon] = random() % 16 == 0;
-        orf.starts_reverse[codon] = random() % 16 == 0;
-        orf.stops_reverse[codon] = random() % 16 == 0;
+      // Any codon in any set.
+      for (unsigned codon = 0; codon < 64; ++codon) {
+        for (CodonSet* set :
+             {&orf.starts_direct, &orf.stops_direct, &orf.starts_reverse, &orf.stops_reverse}) {
+          if (random() % 16 == 0) set->Add(codon);
+        }
       }
     } else {
       Param param;
