@@ -21,16 +21,6 @@ std::uint64_t SumOver(const CodonSet& set, const std::array<std::uint64_t, 65>& 
 
 }  // namespace
 
-bool ORF::ReadCodons(Param& param) {
-  CodonSet starts, stops;
-  if (!ReadStopCodons(param, OnBadFlag::kFail, stops) ||
-      !ReadStartCodons(param, OnBadFlag::kFail, starts)) {
-    return false;
-  }
-  SetCodons(starts, stops);
-  return true;
-}
-
 void ORF::SetCodons(const CodonSet& starts, const CodonSet& stops) {
   starts_direct = starts;
   stops_direct = stops;

@@ -24,9 +24,6 @@ class VSeq {
   // Appends one code sequence per FASTA record to `records`.
   bool ReadRecords(const std::string& name);
 
-  // For the gene commands: sets the stop codons from --TAA_, --TGA_, --TAG_ (none unless named),
-  // then reads --seq with ReadSingle.
-  bool LoadForGenes(Param& param);
   // The bases left .. right (0-based, inclusive), clipped to the sequence; reverse-complemented
   // for the reverse strand. Empty, with a warning on standard output, when an in-frame stop codon
   // stands before the last codon.
