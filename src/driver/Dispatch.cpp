@@ -66,10 +66,6 @@ constexpr std::array<Command, 23> kCommands = {{
 
 }  // namespace
 
-std::span<const Command> Commands() {
-  return kCommands;
-}
-
 const Command* SelectCommand(const Param& param) {
   for (const Command& command : kCommands) {
     if (param.Has(command.key)) return &command;

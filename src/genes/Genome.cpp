@@ -33,10 +33,4 @@ void Genome::AppendSeq(std::string& out, const CodeSeq& codes) const {
   *dst = '\n';
 }
 
-std::string Genome::WriteSeq(const CodeSeq& codes) const {
-  std::string text;
-  AppendSeq(text, codes);
-  return text;
-}
-
 }  // namespace genetrain

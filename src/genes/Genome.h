@@ -55,7 +55,6 @@ class Genome {
   explicit Genome(Param& param);
 
   // The sequence in letters (A, C, G, T, N, X for a masked base) and an end of line.
-  std::string WriteSeq(const CodeSeq& codes) const;
   void AppendSeq(std::string& out, const CodeSeq& codes) const;
 
   // Training extraction (--parse, --intergenic, --STAT_NON_VS_ALL, and the model builders).
