@@ -123,7 +123,7 @@ CodonKinds KindsOf(const CodonSet& starts, const CodonSet& stops) {
 // whether any stop was passed at all.
 struct FrameScan {
   std::int64_t start = -1;
-  bool stop_seen = false;
+  bool stopSeen = false;
 };
 
 // One scan over the codon array; `kDirect` walks up from 0, otherwise down from the end.
@@ -171,31 +171,31 @@ class Scan {
     std::uint64_t events = EventMask(first, count);
     // Every visit notes an ORF ending there; only real ones get their bit in `found`.
     std::array<std::int64_t, kBlock> starts;
-    std::array<bool, kBlock> stops_seen;
+    std::array<bool, kBlock> stopsSeen;
     std::uint64_t found = 0;
     const std::uint8_t* kind = kinds_.kind.data();
     // The frame of the i-th position, as a table lookup: kFrames[phase + i] (upward) or
     // kFrames[phase + 66 - i] (downward) is (first +- i) % 3.
-    const std::uint8_t* frame_of = kFrames.data() + static_cast<std::uint64_t>(first) % 3;
+    const std::uint8_t* frameOf = kFrames.data() + static_cast<std::uint64_t>(first) % 3;
     while (events != 0) {
       const int i = std::countr_zero(events);
       events &= events - 1;
       const std::int64_t pos = kDirect ? first + i : first - i;
-      FrameScan& frame = frames[frame_of[kDirect ? i : 66 - i]];
+      FrameScan& frame = frames[frameOf[kDirect ? i : 66 - i]];
       const std::int64_t stop = kind[codons_[pos]] >> 1;
       const std::int64_t start = frame.start;
       starts[i] = start;
-      stops_seen[i] = frame.stop_seen;
+      stopsSeen[i] = frame.stopSeen;
       const bool ends = stop & (start >= 0) & (Distance(pos, start) >= min_);
       found |= std::uint64_t{ends} << i;
-      frame.stop_seen |= stop != 0;
+      frame.stopSeen |= stop != 0;
       // The first start after a stop is kept (start >> 63 is all ones while there is none, so
       // pos replaces it); a stop clears it to -1.
       frame.start = (start + ((pos - start) & (start >> 63))) | -stop;
     }
     for (; found != 0; found &= found - 1) {
       const int i = std::countr_zero(found);
-      Emit(kDirect ? first + i : first - i, starts[i], stops_seen[i], true);
+      Emit(kDirect ? first + i : first - i, starts[i], stopsSeen[i], true);
     }
   }
 
@@ -203,7 +203,7 @@ class Scan {
   void Last(std::int64_t pos, const std::array<FrameScan, 3>& frames) {
     const FrameScan& frame = frames[static_cast<std::uint64_t>(pos) % 3];
     if (frame.start >= 0 && Distance(pos, frame.start) >= min_)
-      Emit(pos, frame.start, frame.stop_seen, (kinds_.kind[codons_[pos]] & 2) != 0);
+      Emit(pos, frame.start, frame.stopSeen, (kinds_.kind[codons_[pos]] & 2) != 0);
   }
 
   std::uint64_t EventMask(std::int64_t first, int count) const {
@@ -238,13 +238,13 @@ class Scan {
     return (kDirect ? end - start : start - end) - 3;
   }
 
-  void Emit(std::int64_t end, std::int64_t start, bool stop_seen, bool closed) {
+  void Emit(std::int64_t end, std::int64_t start, bool stopSeen, bool closed) {
     GENE orf;
     orf.strand = kDirect ? Strand::kDirect : Strand::kReverse;
     orf.left = static_cast<std::int32_t>(kDirect ? start : end);
     orf.right = static_cast<std::int32_t>(kDirect ? end : start);
-    orf.left_complete = kDirect ? stop_seen : closed;
-    orf.right_complete = kDirect ? closed : stop_seen;
+    orf.left_complete = kDirect ? stopSeen : closed;
+    orf.right_complete = kDirect ? closed : stopSeen;
     orf.valid = true;
     orfs_.push_back(orf);
   }
