@@ -46,29 +46,25 @@ constexpr std::array<Command, 23> kCommands = {{
     {"--stat", Run<SSeq, &SSeq::Stat>},
     {"--clean", Run<SSeq, &SSeq::Clean>},
     {"--split", Run<SSeq, &SSeq::Split>},
-    {"--parse", RunWith<Genome, RunParse>},
-    {"--intergenic", RunWith<Genome, RunIntergenic>},
+    {"--parse", RunParse},
+    {"--intergenic", RunIntergenic},
     {"--mkchain", RunWith<Genome, RunMkchain>},
     {"--mkmod", RunWith<Report, RunMkmod>},
     {"--CLEAN_CODING", Run<MSSeq, &MSSeq::CleanCoding>},
     {"--compare", Run<Compare, &Compare::Run>},
-    {"--pre_start", RunWith<Genome, RunPreStart>},
+    {"--pre_start", RunPreStart},
     {"--gibbs", Run<Gibbs, &Gibbs::Run>},
     {"--mask", Run<SSeq, &SSeq::Mask>},
     {"--combine", RunWith<Report, RunCombine>},
-    {"--STAT_NON_VS_ALL", RunWith<Genome, RunStatNonVsAll>},
-    {"--ORF_PER_SEQ", RunWith<ORF, RunOrfPerSeq>},
-    {"--orf", RunWith<ORF, RunOrf>},
+    {"--STAT_NON_VS_ALL", RunStatNonVsAll},
+    {"--ORF_PER_SEQ", RunOrfPerSeq},
+    {"--orf", RunOrf},
     {"--GENE_SET_STAT", RunGeneSetStat},
     {"--count_substring_n", Run<MSSeq, &MSSeq::CountSubstringN>},
     {"--count_substring_atcg", Run<MSSeq, &MSSeq::CountSubstringAtcg>},
 }};
 
 }  // namespace
-
-std::span<const Command> Commands() {
-  return kCommands;
-}
 
 const Command* SelectCommand(const Param& param) {
   for (const Command& command : kCommands) {

@@ -1,7 +1,6 @@
 #ifndef GENETRAIN_DRIVER_DISPATCH_H
 #define GENETRAIN_DRIVER_DISPATCH_H
 
-#include <span>
 #include <string_view>
 
 #include "common/Param.h"
@@ -14,9 +13,6 @@ struct Command {
   std::string_view key;
   bool (*run)(Param& param);
 };
-
-// Every command key, in the order in which they are tested.
-std::span<const Command> Commands();
 
 // The first command of the table whose key the store holds, whatever its value; null if none.
 const Command* SelectCommand(const Param& param);

@@ -22,14 +22,46 @@ namespace {
 
 constexpr std::string_view kMaskError = "error, if this is printed - error in code\n";
 
-// The margins of --parse; --intergenic reads and checks them as well but does not use them.
-bool ReadMargins(Param& param, int& left, int& right) {
-  std::uint32_t leftMargin = 0;
-  std::int32_t rightMargin = 0;
-  if (!param.GetOpt(leftMargin, "--COD_L_MARGIN")) return false;
-  if (!param.GetOpt(rightMargin, "--COD_R_MARGIN")) return false;
-  left = ClampToInt(leftMargin);
-  right = rightMargin;
+// The options of --parse and --intergenic: the training settings, the output files and the
+// coding margins, which --intergenic reads and checks but does not use.
+struct ExtractionOptions {
+  GenomeSettings settings;
+  std::string cod;
+  std::string non;
+  int leftMargin = 0;
+  int rightMargin = 0;
+};
+
+// An absent --non is judged as an empty name: reported as a malformed value, then as missing.
+bool ReadNonName(Param& param, std::string& name) {
+  if (param.Has("--non")) {
+    if (param.GetWord(name, "--non")) return true;
+  } else {
+    param.ReportBadValue("--non");
+  }
+  PrintError({"error, key missing ", "--non"});
+  return false;
+}
+
+// --cod only when `coding` (--parse).
+bool ReadExtractionOptions(Param& param, bool coding, ExtractionOptions& options) {
+  options.settings = ReadGenomeSettings(param);
+  if (coding && !param.Has("--cod")) {
+    PrintError({"error, key missing ", "--cod"});
+    return false;
+  }
+  if (coding && !param.GetWord(options.cod, "--cod")) {
+    PrintError({"error, file name missing ", "--cod"});
+    return false;
+  }
+  std::uint32_t left = 0;
+  std::int32_t right = 0;
+  if (!ReadNonName(param, options.non) || !param.GetOpt(left, "--COD_L_MARGIN") ||
+      !param.GetOpt(right, "--COD_R_MARGIN")) {
+    return false;
+  }
+  options.leftMargin = ClampToInt(left);
+  options.rightMargin = right;
   return true;
 }
 
@@ -59,15 +91,6 @@ bool CodingPiece(const VSeq& seq, const GENE& gene, const CodingRules& rules, Co
                         ClampToInt(gene.right - rules.right_margin), Strand::kDirect);
   }
   return static_cast<std::int64_t>(piece.size()) == trimmed;
-}
-
-// --non must name a file; the margins are read and checked (--intergenic does not use them).
-bool ReadNonAndMargins(Param& param, int& left, int& right) {
-  if (!param.IsWord("--non")) {
-    PrintError({"error, key missing ", "--non"});
-    return false;
-  }
-  return ReadMargins(param, left, right);
 }
 
 }  // namespace
@@ -136,37 +159,32 @@ std::string Genome::WriteNonCoding() const {
   return text;
 }
 
-bool RunParse(Genome& genome, Param& param) {
-  if (!param.Has("--cod")) {
-    PrintError({"error, key missing ", "--cod"});
-    return false;
-  }
-  if (!param.IsWord("--cod")) {
-    PrintError({"error, file name missing ", "--cod"});
-    return false;
-  }
-  int left = 0, right = 0;
-  if (!ReadNonAndMargins(param, left, right)) return false;
+bool RunParse(Param& param) {
+  ExtractionOptions options;
+  if (!ReadExtractionOptions(param, true, options)) return false;
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, false)) return false;
-  genome.ExtractCoding(seq, set, left, right);
+  Genome genome(options.settings);
+  genome.ExtractCoding(seq, set, options.leftMargin, options.rightMargin);
   genome.ExtractNonCoding(seq, set);
-  return WriteFile(*param.Find("--cod"), genome.WriteCoding()) &&
-         WriteFile(*param.Find("--non"), genome.WriteNonCoding());
+  return WriteFile(options.cod, genome.WriteCoding()) &&
+         WriteFile(options.non, genome.WriteNonCoding());
 }
 
-bool RunIntergenic(Genome& genome, Param& param) {
-  int left = 0, right = 0;
-  if (!ReadNonAndMargins(param, left, right)) return false;
+bool RunIntergenic(Param& param) {
+  ExtractionOptions options;
+  if (!ReadExtractionOptions(param, false, options)) return false;
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, true)) return false;
+  Genome genome(options.settings);
   genome.ExtractNonCoding(seq, set);
-  return WriteFile(*param.Find("--non"), genome.WriteNonCoding());
+  return WriteFile(options.non, genome.WriteNonCoding());
 }
 
-bool RunStatNonVsAll(Genome& genome, Param& param) {
+bool RunStatNonVsAll(Param& param) {
+  Genome genome(param);
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, false)) return false;

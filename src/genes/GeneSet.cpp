@@ -59,23 +59,11 @@ int ReadCount(std::string_view token) {
   return value > INT32_MAX ? -1 : static_cast<int>(value);
 }
 
-bool GeneSet::Load(Param& param) {
-  std::string path;
-  if (!param.GetWord(path, "--geneset")) return false;
-  return LoadFile(path);
-}
-
 bool GeneSet::LoadFile(const std::string& path) {
   FileBuf file;
   if (!file.Load(path.c_str())) return false;
   Parse(file.Data(), file.End());
   return true;
-}
-
-bool GeneSet::LoadShifted(Param& param, bool twoColumn) {
-  two_column = twoColumn;
-  if (!param.GetOpt(shift_zero, "--shift_zero")) return false;
-  return Load(param);
 }
 
 // A line runs up to the next line feed; every line after the first starts with the line feed
@@ -168,8 +156,9 @@ void GeneSet::PrintStat() const {
 }
 
 bool RunGeneSetStat(Param& param) {
+  std::string path;
   GeneSet set;
-  if (!set.Load(param)) return false;
+  if (!param.GetWord(path, "--geneset") || !set.LoadFile(path)) return false;
   set.PrintStat();
   return true;
 }

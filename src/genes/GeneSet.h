@@ -14,12 +14,8 @@ namespace genetrain {
 // The genes of one annotated sequence, one record per line of the gene set file, valid or not.
 class GeneSet {
  public:
-  // Reads the file named by --geneset (a required word).
-  bool Load(Param& param);
   // Loads the named file whole and parses it; false (with the loader's message) if unreadable.
   bool LoadFile(const std::string& path);
-  // The two-column grammar with --shift_zero added to both coordinates (for --intergenic).
-  bool LoadShifted(Param& param, bool twoColumn);
   // Replaces `genes` with one record per line; appends the lines of invalid records to
   // `rejected_text`.
   void Parse(const char* begin, const char* end);
@@ -35,7 +31,7 @@ class GeneSet {
   std::string rejected_text;
   std::int32_t max_right = -1;  // limit of `right`; below 1 means none
   bool two_column = false;
-  std::int32_t shift_zero = 0;
+  std::int32_t shift_zero = 0;  // added to both coordinates of the two-column grammar
 };
 
 // Appends every maximal run of characters not in `separators` to `out`.

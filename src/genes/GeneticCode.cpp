@@ -10,24 +10,26 @@
 
 namespace genetrain {
 
-bool VSeq::LoadForGenes(Param& param) {
-  // A malformed flag is reported and leaves its codon out.
-  for (const auto& [key, codon] : {std::pair{"--TAA_", kCodonTAA}, std::pair{"--TGA_", kCodonTGA},
-                                   std::pair{"--TAG_", kCodonTAG}}) {
-    stops[codon] = false;
-    param.GetOpt(stops[codon], key);
-  }
-  std::string name;
-  if (!param.GetWord(name, "--seq")) return false;
-  return ReadSingle(name);
+bool LoadGeneSequence(VSeq& seq, const CodonSet& stops, const std::string& name) {
+  seq.stops = stops;
+  return seq.ReadSingle(name);
 }
 
-bool LoadAnnotated(VSeq& seq, GeneSet& set, Param& param, bool twoColumn) {
-  if (!seq.LoadForGenes(param)) return false;
+bool LoadGeneSet(GeneSet& set, const VSeq& seq, const std::string& name) {
   // The gene limit is the sequence length in bases.
   set.max_right = static_cast<std::int32_t>(
       std::min<std::size_t>(seq.sequence.size(), std::numeric_limits<std::int32_t>::max()));
-  return twoColumn ? set.LoadShifted(param, true) : set.Load(param);
+  return set.LoadFile(name);
+}
+
+bool LoadAnnotated(VSeq& seq, GeneSet& set, Param& param, bool twoColumn) {
+  CodonSet stops;
+  ReadStopCodons(param, OnBadFlag::kLeaveOut, stops);
+  std::string name;
+  if (!param.GetWord(name, "--seq") || !LoadGeneSequence(seq, stops, name)) return false;
+  set.two_column = twoColumn;
+  if (twoColumn && !param.GetOpt(set.shift_zero, "--shift_zero")) return false;
+  return param.GetWord(name, "--geneset") && LoadGeneSet(set, seq, name);
 }
 
 CodeSeq VSeq::GeneSeq(int left, int right, Strand strand) const {

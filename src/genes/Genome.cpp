@@ -2,19 +2,28 @@
 
 namespace genetrain {
 
-Genome::Genome(Param& param) {
-  // A malformed value prints its message and leaves the default: building never fails.
-  param.GetOpt(min_cod, "--MIN_COD");
-  param.GetOpt(min_non, "--MIN_NON");
-  param.GetOpt(exclude_partial, "--EXCLUDE_PARTIAL");
-  param.GetOpt(start_precision, "--START_PRECISION");
-  param.GetOpt(start_pseudocounts, "--START_PSEUDOCOUNTS");
-  param.GetOpt(separate_cod, "--SEPARATE_COD");
-  param.GetOpt(start_codons[kCodonATG], "--ATG_");
-  param.GetOpt(start_codons[kCodonGTG], "--GTG_");
-  param.GetOpt(start_codons[kCodonTTG], "--TTG_");
-  param.GetOpt(start_codons[kCodonCTG], "--CTG_");
+GenomeSettings ReadGenomeSettings(Param& param) {
+  GenomeSettings settings;
+  param.GetOpt(settings.min_cod, "--MIN_COD");
+  param.GetOpt(settings.min_non, "--MIN_NON");
+  param.GetOpt(settings.exclude_partial, "--EXCLUDE_PARTIAL");
+  param.GetOpt(settings.start_precision, "--START_PRECISION");
+  param.GetOpt(settings.start_pseudocounts, "--START_PSEUDOCOUNTS");
+  param.GetOpt(settings.separate_cod, "--SEPARATE_COD");
+  ReadStartCodons(param, OnBadFlag::kLeaveOut, settings.start_codons);
+  return settings;
 }
+
+Genome::Genome(const GenomeSettings& settings)
+    : separate_cod(settings.separate_cod),
+      min_cod(settings.min_cod),
+      min_non(settings.min_non),
+      exclude_partial(settings.exclude_partial),
+      start_codons(settings.start_codons),
+      start_precision(settings.start_precision),
+      start_pseudocounts(settings.start_pseudocounts) {}
+
+Genome::Genome(Param& param) : Genome(ReadGenomeSettings(param)) {}
 
 void Genome::AppendSeq(std::string& out, const CodeSeq& codes) const {
   const std::size_t start = out.size();
@@ -22,12 +31,6 @@ void Genome::AppendSeq(std::string& out, const CodeSeq& codes) const {
   char* dst = out.data() + start;
   for (const std::uint8_t code : codes) *dst++ = alphabet[code < alphabet.size() ? code : 4];
   *dst = '\n';
-}
-
-std::string Genome::WriteSeq(const CodeSeq& codes) const {
-  std::string text;
-  AppendSeq(text, codes);
-  return text;
 }
 
 }  // namespace genetrain

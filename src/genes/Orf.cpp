@@ -110,18 +110,13 @@ std::string Density(std::size_t orfs, std::uint64_t bases) {
 
 }  // namespace
 
-bool ORF::ListWithMargins(Param& param, const VSeq& seq, std::string& list) const {
-  std::int32_t left_margin = 0, right_margin = 0, out = 0;
-  if (!param.GetOpt(left_margin, "--ORF_MARGIN_LEFT") ||
-      !param.GetOpt(right_margin, "--ORF_MARGIN_RIGHT") || !param.GetOpt(out, "--ORF_OUT")) {
-    return false;
-  }
-  // Margins count whole codons: truncated toward zero to a multiple of 3.
-  const std::int64_t lm = left_margin / 3 * 3, rm = right_margin / 3 * 3;
+std::string ORF::ListWithMargins(std::int32_t leftMargin, std::int32_t rightMargin, bool withBases,
+                                 const VSeq& seq) const {
+  const std::int64_t lm = leftMargin / 3 * 3, rm = rightMargin / 3 * 3;
   std::size_t size = 0;
   for (const GENE& orf : orfs) {
     const Interior span = InteriorOf(orf, lm, rm);
-    if (span.from < span.to) size += out == 0 ? 40 : 64 + LengthOf(Clipped(span, seq.sequence));
+    if (span.from < span.to) size += withBases ? 64 + LengthOf(Clipped(span, seq.sequence)) : 40;
   }
   std::string text;
   text.reserve(size);
@@ -129,15 +124,14 @@ bool ORF::ListWithMargins(Param& param, const VSeq& seq, std::string& list) cons
     if (!HasStrand(orf.strand)) continue;
     const Interior span = InteriorOf(orf, lm, rm);
     if (span.from >= span.to) continue;
-    if (out == 0) {
+    if (withBases) {
+      AppendSequenceEntry(text, seq.sequence, span, orf.strand);
+    } else {
       AppendNumbers<4>(text,
                        {span.from, span.to, span.to - span.from + 1, StrandNumber(orf.strand)});
-    } else {
-      AppendSequenceEntry(text, seq.sequence, span, orf.strand);
     }
   }
-  list = std::move(text);
-  return true;
+  return text;
 }
 
 std::string ORF::ListPlain() const {
@@ -157,35 +151,80 @@ std::string ORF::ListPlain() const {
   return text;
 }
 
-bool RunOrf(ORF& orf, Param& param) {
-  if (!orf.ReadCodons(param)) return false;
-  VSeq seq;
-  if (!seq.LoadForGenes(param)) return false;
+namespace {
+
+// The options of the two ORF commands. The codon sets and the sequence come first; the search
+// and list options are read only once the sequence is loaded (and, for --orf, its codon counts
+// printed), so that a file that cannot be loaded is reported before them.
+struct OrfOptions {
+  CodonSet starts;
+  CodonSet stops;
+  std::uint32_t minSize = 0;
+  std::int32_t leftMargin = 0;
+  std::int32_t rightMargin = 0;
+  std::int32_t out = 0;
+};
+
+// Stop codons first, then start codons; false at the first malformed flag.
+bool ReadOrfCodons(Param& param, OrfOptions& options) {
+  return ReadStopCodons(param, OnBadFlag::kFail, options.stops) &&
+         ReadStartCodons(param, OnBadFlag::kFail, options.starts);
+}
+
+// --MIN_ORF_SIZE, the margins when `margins` (--orf), then --ORF_OUT.
+bool ReadListOptions(Param& param, bool margins, OrfOptions& options) {
+  if (!param.GetOpt(options.minSize, "--MIN_ORF_SIZE")) return false;
+  if (margins && (!param.GetOpt(options.leftMargin, "--ORF_MARGIN_LEFT") ||
+                  !param.GetOpt(options.rightMargin, "--ORF_MARGIN_RIGHT"))) {
+    return false;
+  }
+  return param.GetOpt(options.out, "--ORF_OUT");
+}
+
+}  // namespace
+
+bool RunOrf(Param& param) {
+  OrfOptions options;
+  std::string name;
+  if (!ReadOrfCodons(param, options) || !param.GetWord(name, "--seq")) return false;
   // Without --ORF_OUT the list shows positions only, and the bases may make way for the codons.
-  if (param.Find("--ORF_OUT") == nullptr) {
-    orf.BuildCodonArray(std::move(seq.sequence));
-  } else {
+  const bool keepBases = param.Has("--ORF_OUT");
+  VSeq seq;
+  if (!seq.ReadSingle(name)) return false;
+  ORF orf;
+  orf.SetCodons(options.starts, options.stops);
+  if (keepBases) {
     orf.BuildCodonArray(seq.sequence);
+  } else {
+    orf.BuildCodonArray(std::move(seq.sequence));
   }
   std::string counts = "# Starts ";
   counts.append(std::to_string(orf.StartCount())).append("\n# Stops ");
   counts.append(std::to_string(orf.StopCount())).push_back('\n');
   WriteStdout(counts);
 
-  if (!param.GetOpt(orf.min_orf_size, "--MIN_ORF_SIZE")) return false;
+  if (!ReadListOptions(param, true, options)) return false;
+  orf.min_orf_size = options.minSize;
   orf.SearchDirect(orf.min_orf_size);
   orf.SearchReverse(orf.min_orf_size);
-  std::string list;
-  if (!orf.ListWithMargins(param, seq, list)) return false;
-  orf.report.Set("--orf", "", std::move(list));
+  orf.report.Set(
+      "--orf", "",
+      orf.ListWithMargins(options.leftMargin, options.rightMargin, options.out != 0, seq));
   return orf.report.Write(param.ValueOrEmpty("--orf"));
 }
 
-bool RunOrfPerSeq(ORF& orf, Param& param) {
-  if (!orf.ReadCodons(param)) return false;
+bool RunOrfPerSeq(Param& param) {
+  OrfOptions options;
+  if (!ReadOrfCodons(param, options)) return false;
   Genome genome(param);
-  if (!genome.LoadNonCoding(param)) return false;
-  if (!param.GetOpt(orf.min_orf_size, "--MIN_ORF_SIZE")) return false;
+  VSeq seq;
+  GeneSet set;
+  if (!LoadAnnotated(seq, set, param, false)) return false;
+  genome.ExtractNonCoding(seq, set);
+  if (!ReadListOptions(param, false, options)) return false;
+  ORF orf;
+  orf.SetCodons(options.starts, options.stops);
+  orf.min_orf_size = options.minSize;
   std::uint64_t bases = 0;
   for (const CodeSeq& piece : genome.non) {
     orf.BuildCodonArray(piece);
@@ -193,9 +232,7 @@ bool RunOrfPerSeq(ORF& orf, Param& param) {
     orf.SearchReverse(orf.min_orf_size);
     bases += piece.size();
   }
-  std::int32_t out = 0;
-  if (!param.GetOpt(out, "--ORF_OUT")) return false;
-  if (out != 0) {
+  if (options.out != 0) {
     WriteStdout(orf.ListPlain());
     return true;
   }
@@ -206,14 +243,6 @@ bool RunOrfPerSeq(ORF& orf, Param& param) {
     return false;
   }
   WriteStdout(Density(orf.orfs.size(), bases));
-  return true;
-}
-
-bool Genome::LoadNonCoding(Param& param) {
-  VSeq seq;
-  GeneSet set;
-  if (!LoadAnnotated(seq, set, param, false)) return false;
-  ExtractNonCoding(seq, set);
   return true;
 }
 

@@ -9,6 +9,7 @@
 #include "common/Param.h"
 #include "common/Report.h"
 #include "genes/Gene.h"
+#include "seq/LetterTables.h"
 #include "seq/VSeq.h"
 
 namespace genetrain {
@@ -23,9 +24,8 @@ class ORF {
   // that is not A, C, G or T among the three).
   static constexpr std::uint8_t kNoCodon = 64;
 
-  // Clears the four codon sets and fills them from --TAA_, --TGA_, --TAG_, --ATG_, --GTG_,
-  // --TTG_, --CTG_ (in that order); false at the first malformed value.
-  bool ReadCodons(Param& param);
+  // The direct sets as given, the reverse ones as their reverse complements.
+  void SetCodons(const CodonSet& starts, const CodonSet& stops);
   // Codon index ending at every position (kNoCodon where there is none); counts every value
   // from position 2 on in codon_usage, which starts again from zero.
   void BuildCodonArray(const CodeSeq& codes);
@@ -36,9 +36,10 @@ class ORF {
   // direct ones by stop end ascending, reverse ones by stop end descending. One pass each.
   void SearchDirect(std::uint32_t min);
   void SearchReverse(std::uint32_t min);
-  // The --orf list: reads --ORF_MARGIN_LEFT, --ORF_MARGIN_RIGHT and --ORF_OUT; false (list
-  // untouched) on a malformed value.
-  bool ListWithMargins(Param& param, const VSeq& seq, std::string& list) const;
+  // The --orf list of the ORFs of `seq`, less the margins (in bases, truncated toward zero to
+  // whole codons): positions only, or with the bases when `withBases`.
+  std::string ListWithMargins(std::int32_t leftMargin, std::int32_t rightMargin, bool withBases,
+                              const VSeq& seq) const;
   // The --ORF_PER_SEQ list; "error orf" on standard error for an ORF with nothing inside.
   std::string ListPlain() const;
   // codon_usage summed over the direct and reverse start (stop) sets.
@@ -50,10 +51,10 @@ class ORF {
   std::array<std::uint64_t, 65> codon_usage{};
   std::vector<std::uint8_t> codon_array;
   std::uint32_t min_orf_size = 0;
-  std::array<bool, 65> starts_direct{};
-  std::array<bool, 65> starts_reverse{};
-  std::array<bool, 65> stops_direct{};
-  std::array<bool, 65> stops_reverse{};
+  CodonSet starts_direct;
+  CodonSet starts_reverse;
+  CodonSet stops_direct;
+  CodonSet stops_reverse;
 
  private:
   // Fills codon_usage from codon_array.
@@ -61,9 +62,9 @@ class ORF {
 };
 
 // --orf: codon counts on standard output, the ORF list to the file named by --orf.
-bool RunOrf(ORF& orf, Param& param);
+bool RunOrf(Param& param);
 // --ORF_PER_SEQ: ORF density per million non-coding bases, or the plain list.
-bool RunOrfPerSeq(ORF& orf, Param& param);
+bool RunOrfPerSeq(Param& param);
 
 }  // namespace genetrain
 

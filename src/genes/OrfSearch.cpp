@@ -13,44 +13,19 @@ namespace genetrain {
 
 namespace {
 
-struct CodonOption {
-  std::string_view key;
-  unsigned direct;   // the codon on the direct strand
-  unsigned reverse;  // its reverse complement, as read on the direct strand
-  bool stop;
-};
-
-// Reading order matters: the first malformed value is the one reported.
-constexpr std::array<CodonOption, 7> kCodonOptions = {{
-    {"--TAA_", kCodonTAA, ReverseComplementCodon(kCodonTAA), true},
-    {"--TGA_", kCodonTGA, ReverseComplementCodon(kCodonTGA), true},
-    {"--TAG_", kCodonTAG, ReverseComplementCodon(kCodonTAG), true},
-    {"--ATG_", kCodonATG, ReverseComplementCodon(kCodonATG), false},
-    {"--GTG_", kCodonGTG, ReverseComplementCodon(kCodonGTG), false},
-    {"--TTG_", kCodonTTG, ReverseComplementCodon(kCodonTTG), false},
-    {"--CTG_", kCodonCTG, ReverseComplementCodon(kCodonCTG), false},
-}};
-
-std::uint64_t SumOver(const std::array<bool, 65>& set, const std::array<std::uint64_t, 65>& usage) {
+std::uint64_t SumOver(const CodonSet& set, const std::array<std::uint64_t, 65>& usage) {
   std::uint64_t sum = 0;
-  for (std::size_t codon = 0; codon < set.size(); ++codon) sum += set[codon] ? usage[codon] : 0;
+  for (unsigned codon = 0; codon < usage.size(); ++codon) sum += set[codon] ? usage[codon] : 0;
   return sum;
 }
 
 }  // namespace
 
-bool ORF::ReadCodons(Param& param) {
-  starts_direct.fill(false);
-  starts_reverse.fill(false);
-  stops_direct.fill(false);
-  stops_reverse.fill(false);
-  for (const CodonOption& option : kCodonOptions) {
-    bool wanted = false;
-    if (!param.GetOpt(wanted, option.key)) return false;
-    (option.stop ? stops_direct : starts_direct)[option.direct] = wanted;
-    (option.stop ? stops_reverse : starts_reverse)[option.reverse] = wanted;
-  }
-  return true;
+void ORF::SetCodons(const CodonSet& starts, const CodonSet& stops) {
+  starts_direct = starts;
+  stops_direct = stops;
+  starts_reverse = starts.ReverseComplemented();
+  stops_reverse = stops.ReverseComplemented();
 }
 
 namespace {
@@ -63,7 +38,7 @@ void Codons(const std::uint8_t* bases, std::size_t count, std::uint8_t* out) {
     // Every code that is not a base has a bit above the lowest two set, so one test of the three
     // codes together tells whether all are bases.
     const bool bases = IsBase(static_cast<std::uint8_t>(b1 | b2 | b3));
-    out[i] = static_cast<std::uint8_t>(bases ? 16 * b1 + 4 * b2 + b3 : ORF::kNoCodon);
+    out[i] = static_cast<std::uint8_t>(bases ? CodonIndex(b1, b2, b3) : ORF::kNoCodon);
   }
 }
 
@@ -135,9 +110,9 @@ struct CodonKinds {
   std::vector<std::uint8_t> listed;
 };
 
-CodonKinds KindsOf(const std::array<bool, 65>& starts, const std::array<bool, 65>& stops) {
+CodonKinds KindsOf(const CodonSet& starts, const CodonSet& stops) {
   CodonKinds kinds;
-  for (std::size_t codon = 0; codon < kinds.kind.size(); ++codon) {
+  for (unsigned codon = 0; codon < kinds.kind.size(); ++codon) {
     kinds.kind[codon] = static_cast<std::uint8_t>((starts[codon] ? 1 : 0) | (stops[codon] ? 2 : 0));
     if (kinds.kind[codon] != 0) kinds.listed.push_back(static_cast<std::uint8_t>(codon));
   }
@@ -148,7 +123,7 @@ CodonKinds KindsOf(const std::array<bool, 65>& starts, const std::array<bool, 65
 // whether any stop was passed at all.
 struct FrameScan {
   std::int64_t start = -1;
-  bool stop_seen = false;
+  bool stopSeen = false;
 };
 
 // One scan over the codon array; `kDirect` walks up from 0, otherwise down from the end.
@@ -196,31 +171,31 @@ class Scan {
     std::uint64_t events = EventMask(first, count);
     // Every visit notes an ORF ending there; only real ones get their bit in `found`.
     std::array<std::int64_t, kBlock> starts;
-    std::array<bool, kBlock> stops_seen;
+    std::array<bool, kBlock> stopsSeen;
     std::uint64_t found = 0;
     const std::uint8_t* kind = kinds_.kind.data();
     // The frame of the i-th position, as a table lookup: kFrames[phase + i] (upward) or
     // kFrames[phase + 66 - i] (downward) is (first +- i) % 3.
-    const std::uint8_t* frame_of = kFrames.data() + static_cast<std::uint64_t>(first) % 3;
+    const std::uint8_t* frameOf = kFrames.data() + static_cast<std::uint64_t>(first) % 3;
     while (events != 0) {
       const int i = std::countr_zero(events);
       events &= events - 1;
       const std::int64_t pos = kDirect ? first + i : first - i;
-      FrameScan& frame = frames[frame_of[kDirect ? i : 66 - i]];
+      FrameScan& frame = frames[frameOf[kDirect ? i : 66 - i]];
       const std::int64_t stop = kind[codons_[pos]] >> 1;
       const std::int64_t start = frame.start;
       starts[i] = start;
-      stops_seen[i] = frame.stop_seen;
+      stopsSeen[i] = frame.stopSeen;
       const bool ends = stop & (start >= 0) & (Distance(pos, start) >= min_);
       found |= std::uint64_t{ends} << i;
-      frame.stop_seen |= stop != 0;
+      frame.stopSeen |= stop != 0;
       // The first start after a stop is kept (start >> 63 is all ones while there is none, so
       // pos replaces it); a stop clears it to -1.
       frame.start = (start + ((pos - start) & (start >> 63))) | -stop;
     }
     for (; found != 0; found &= found - 1) {
       const int i = std::countr_zero(found);
-      Emit(kDirect ? first + i : first - i, starts[i], stops_seen[i], true);
+      Emit(kDirect ? first + i : first - i, starts[i], stopsSeen[i], true);
     }
   }
 
@@ -228,7 +203,7 @@ class Scan {
   void Last(std::int64_t pos, const std::array<FrameScan, 3>& frames) {
     const FrameScan& frame = frames[static_cast<std::uint64_t>(pos) % 3];
     if (frame.start >= 0 && Distance(pos, frame.start) >= min_)
-      Emit(pos, frame.start, frame.stop_seen, (kinds_.kind[codons_[pos]] & 2) != 0);
+      Emit(pos, frame.start, frame.stopSeen, (kinds_.kind[codons_[pos]] & 2) != 0);
   }
 
   std::uint64_t EventMask(std::int64_t first, int count) const {
@@ -263,13 +238,13 @@ class Scan {
     return (kDirect ? end - start : start - end) - 3;
   }
 
-  void Emit(std::int64_t end, std::int64_t start, bool stop_seen, bool closed) {
+  void Emit(std::int64_t end, std::int64_t start, bool stopSeen, bool closed) {
     GENE orf;
     orf.strand = kDirect ? Strand::kDirect : Strand::kReverse;
     orf.left = static_cast<std::int32_t>(kDirect ? start : end);
     orf.right = static_cast<std::int32_t>(kDirect ? end : start);
-    orf.left_complete = kDirect ? stop_seen : closed;
-    orf.right_complete = kDirect ? closed : stop_seen;
+    orf.left_complete = kDirect ? stopSeen : closed;
+    orf.right_complete = kDirect ? closed : stopSeen;
     orf.valid = true;
     orfs_.push_back(orf);
   }

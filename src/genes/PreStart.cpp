@@ -128,31 +128,37 @@ std::string Genome::WritePreStarts(int lines, const std::vector<std::string>& la
   return text;
 }
 
+bool ReadPreStartOptions(Param& param, PreStartOptions& options) {
+  return param.GetWord(options.name, "--pre_start") &&
+         param.GetOpt(options.width, "--PRE_START_WIDTH") &&
+         param.GetOpt(options.inside, "--PRE_START_RELATIVE_POS") &&
+         param.GetOpt(options.intergenic, "--PRE_START_INTERGENIC") &&
+         param.GetOpt(options.lines, "--PRE_START_LINES");
+}
+
 // The upstream length is W - P. With P above W it is negative and the region, still W bases
 // ending P bases into the gene, lies wholly inside the gene.
-bool Genome::WritePreStartFile(const VSeq& seq, const GeneSet& set, Param& param) {
-  std::string name;
-  std::uint32_t width = 0, inside = 0;
-  bool intergenic = true;
-  std::int32_t lines = -1;
-  if (!param.GetWord(name, "--pre_start")) return false;
-  if (!param.GetOpt(width, "--PRE_START_WIDTH")) return false;
-  if (!param.GetOpt(inside, "--PRE_START_RELATIVE_POS")) return false;
-  if (!param.GetOpt(intergenic, "--PRE_START_INTERGENIC")) return false;
-  if (!param.GetOpt(lines, "--PRE_START_LINES")) return false;
-
+bool Genome::WritePreStartFile(const VSeq& seq, const GeneSet& set,
+                               const PreStartOptions& options) {
   // Room for the regions written, but never more than there are genes.
   std::size_t room = set.genes.size();
-  if (lines >= 1) room = std::min(room, static_cast<std::size_t>(lines));
+  if (options.lines >= 1) room = std::min(room, static_cast<std::size_t>(options.lines));
   pre_start.reserve(pre_start.size() + room);
   std::vector<std::string> labels;
   labels.reserve(room);
-  const std::int64_t upstream = std::int64_t{width} - inside;
-  CollectPreStarts(seq, set, ClampToInt(upstream), ClampToInt(inside), intergenic, labels);
-  return WriteFile(name, WritePreStarts(lines, labels));
+  const std::int64_t upstream = std::int64_t{options.width} - options.inside;
+  CollectPreStarts(seq, set, ClampToInt(upstream), ClampToInt(options.inside), options.intergenic,
+                   labels);
+  return WriteFile(options.name, WritePreStarts(options.lines, labels));
 }
 
-bool RunPreStart(Genome& genome, Param& param) {
+bool Genome::WritePreStartFile(const VSeq& seq, const GeneSet& set, Param& param) {
+  PreStartOptions options;
+  return ReadPreStartOptions(param, options) && WritePreStartFile(seq, set, options);
+}
+
+bool RunPreStart(Param& param) {
+  Genome genome(param);
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, false)) return false;

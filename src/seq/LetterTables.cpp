@@ -1,5 +1,11 @@
 #include "seq/LetterTables.h"
 
+#include <array>
+#include <span>
+#include <string_view>
+
+#include "common/Param.h"
+
 namespace genetrain {
 
 namespace {
@@ -35,6 +41,28 @@ constexpr CodeTable MakeCodeTable() {
   return table;
 }
 
+struct CodonFlag {
+  std::string_view key;
+  unsigned codon;
+};
+
+constexpr std::array<CodonFlag, 3> kStopFlags = {
+    {{"--TAA_", kCodonTAA}, {"--TGA_", kCodonTGA}, {"--TAG_", kCodonTAG}}};
+constexpr std::array<CodonFlag, 4> kStartFlags = {
+    {{"--ATG_", kCodonATG}, {"--GTG_", kCodonGTG}, {"--TTG_", kCodonTTG}, {"--CTG_", kCodonCTG}}};
+
+bool ReadCodonFlags(Param& param, std::span<const CodonFlag> flags, OnBadFlag onBad,
+                    CodonSet& set) {
+  CodonSet named;
+  for (const CodonFlag& flag : flags) {
+    bool wanted = false;
+    if (!param.GetOpt(wanted, flag.key) && onBad == OnBadFlag::kFail) return false;
+    if (wanted) named.Add(flag.codon);
+  }
+  set = named;
+  return true;
+}
+
 constexpr LetterTable kUpper = MakeLetterTable(false);
 constexpr LetterTable kCasePreserving = MakeLetterTable(true);
 constexpr CodeTable kCodes = MakeCodeTable();
@@ -49,6 +77,14 @@ const LetterTable& CasePreservingLetterTable() {
 }
 const CodeTable& BaseCodeTable() {
   return kCodes;
+}
+
+bool ReadStopCodons(Param& param, OnBadFlag onBad, CodonSet& stops) {
+  return ReadCodonFlags(param, kStopFlags, onBad, stops);
+}
+
+bool ReadStartCodons(Param& param, OnBadFlag onBad, CodonSet& starts) {
+  return ReadCodonFlags(param, kStartFlags, onBad, starts);
 }
 
 }  // namespace genetrain

@@ -3,8 +3,11 @@
 
 #include <array>
 #include <cstdint>
+#include <initializer_list>
 
 namespace genetrain {
+
+class Param;
 
 // Maps every input byte to the letter stored for it; 0 marks a byte that is dropped (everything
 // that is not a letter of the C locale: digits, blanks, line ends, punctuation, bytes above 127).
@@ -25,16 +28,76 @@ constexpr bool IsBase(std::uint8_t code) {
   return code < kOther;
 }
 
-// The codon index of three base codes, 16 * first + 4 * second + third (ATG = 14).
+// The complement of a base code; any code that is not a base has none and gives kOther.
+constexpr std::uint8_t Complement(std::uint8_t code) {
+  return IsBase(code) ? static_cast<std::uint8_t>(kT - code) : std::uint8_t{kOther};
+}
+
+// The index of a word of base codes, two bits per base with the first base highest: a word of
+// k bases indexes 4^k entries.
+constexpr std::uint32_t WordIndex(const std::uint8_t* codes, int letters) {
+  std::uint32_t index = 0;
+  for (int i = 0; i < letters; ++i) index = index << 2 | codes[i];
+  return index;
+}
+
+// The index of the word's reverse complement: the word as the other strand reads it, its bases
+// complemented in reverse order.
+constexpr std::uint32_t ReverseComplementWord(std::uint32_t word, int letters) {
+  std::uint32_t index = 0;
+  for (int i = 0; i < letters; ++i, word >>= 2) index = index << 2 | (kT - (word & 3));
+  return index;
+}
+
+// The codon index of three base codes, 16 * first + 4 * second + third.
 constexpr unsigned CodonIndex(unsigned first, unsigned second, unsigned third) {
   return 16 * first + 4 * second + third;
 }
 
-// The index of the codon's reverse complement: the codon as the other strand reads it, its bases
-// complemented (x -> 3 - x) in reverse order.
 constexpr unsigned ReverseComplementCodon(unsigned codon) {
-  return CodonIndex(3 - codon % 4, 3 - codon / 4 % 4, 3 - codon / 16);
+  return ReverseComplementWord(codon, 3);
 }
+
+// The codons the options name.
+inline constexpr unsigned kCodonATG = CodonIndex(kA, kT, kG), kCodonGTG = CodonIndex(kG, kT, kG),
+                          kCodonTTG = CodonIndex(kT, kT, kG), kCodonCTG = CodonIndex(kC, kT, kG);
+inline constexpr unsigned kCodonTAA = CodonIndex(kT, kA, kA), kCodonTGA = CodonIndex(kT, kG, kA),
+                          kCodonTAG = CodonIndex(kT, kA, kG);
+
+// A set of codons by index, 0..63; any other index is never a member.
+class CodonSet {
+ public:
+  constexpr CodonSet() = default;
+  constexpr CodonSet(std::initializer_list<unsigned> codons) {
+    for (const unsigned codon : codons) Add(codon);
+  }
+
+  constexpr bool operator[](unsigned codon) const { return codon < 64 && (bits_ >> codon & 1); }
+  constexpr void Add(unsigned codon) { bits_ |= std::uint64_t{1} << codon; }
+  constexpr bool operator==(const CodonSet&) const = default;
+
+  // The set as the other strand's codons appear on this one: each codon's reverse complement.
+  constexpr CodonSet ReverseComplemented() const {
+    CodonSet reverse;
+    for (unsigned codon = 0; codon < 64; ++codon) {
+      if ((*this)[codon]) reverse.Add(ReverseComplementCodon(codon));
+    }
+    return reverse;
+  }
+
+ private:
+  std::uint64_t bits_ = 0;
+};
+
+// What a malformed codon flag does: its message is printed either way; then it is left out of
+// the set and reading goes on, or reading stops with false.
+enum class OnBadFlag { kLeaveOut, kFail };
+
+// The stop codons named by --TAA_, --TGA_, --TAG_ and the start codons named by --ATG_, --GTG_,
+// --TTG_, --CTG_, read in these orders: a flag is any number, true unless zero; an absent one is
+// false. The set is filled only on success.
+bool ReadStopCodons(Param& param, OnBadFlag onBad, CodonSet& stops);
+bool ReadStartCodons(Param& param, OnBadFlag onBad, CodonSet& starts);
 
 // Maps every input byte to its base code, or kDropped for a byte that is not a letter.
 using CodeTable = std::array<std::uint8_t, 256>;

@@ -8,6 +8,7 @@
 
 #include "common/Param.h"
 #include "common/Report.h"
+#include "seq/LetterTables.h"
 #include "seq/SeqRecord.h"
 
 namespace genetrain {
@@ -28,14 +29,12 @@ class MSSeq : public Report {
   bool CountSubstringAtcg(Param& param);
   bool CleanCoding(Param& param);
 
-  // "TAA|", "TGA|", "TAG|" for each of --TAA_, --TGA_, --TAG_ that is true, in this order.
-  static std::string StopList(Param& param);
   bool IsCleanCoding(std::string_view sequence, std::uint32_t left, std::uint32_t right) const;
   bool HasNoStop(std::string_view range) const;
 
  private:
   std::vector<SeqRecord> records_;
-  std::string stops_;
+  CodonSet stops_;  // of --CLEAN_CODING
 };
 
 }  // namespace genetrain

@@ -112,7 +112,7 @@ bool MSSeq::CleanCoding(Param& param) {
     return false;
   }
   if (!ReadFasta(name)) return false;
-  stops_ = StopList(param);
+  ReadStopCodons(param, OnBadFlag::kLeaveOut, stops_);
   CodingCounts counts;
   std::string kept, messages;
   std::size_t size = 0;
@@ -148,17 +148,6 @@ bool MSSeq::CleanCoding(Param& param) {
   return true;
 }
 
-std::string MSSeq::StopList(Param& param) {
-  std::string list;
-  for (const auto& [key, codon] :
-       {std::pair{"--TAA_", "TAA|"}, std::pair{"--TGA_", "TGA|"}, std::pair{"--TAG_", "TAG|"}}) {
-    bool use = false;
-    // A malformed value has its message printed and leaves the codon out.
-    if (param.GetOpt(use, key) && use) list.append(codon);
-  }
-  return list;
-}
-
 // Margins that add up to the length leave an empty inner region and fail; margins that add up
 // to more are not guarded against: nothing is left to hold a stop, so the record passes.
 bool MSSeq::IsCleanCoding(std::string_view sequence, std::uint32_t left,
@@ -168,11 +157,16 @@ bool MSSeq::IsCleanCoding(std::string_view sequence, std::uint32_t left,
   return HasNoStop(Inner(sequence, left, right));
 }
 
-// Whole codons only: a partial codon at the end is no codon. A codon is looked up as a piece of
-// the "TAA|TGA|" list; the bars keep two neighbouring codons from matching across.
+// Whole codons only: a partial codon at the end is no codon. Capitals only: a lower-case
+// (soft-masked) stop codon is not looked up.
 bool MSSeq::HasNoStop(std::string_view range) const {
+  const auto code = [](char letter) {
+    const std::size_t base = std::string_view("ACGT").find(letter);
+    return base == std::string_view::npos ? std::uint8_t{kOther} : static_cast<std::uint8_t>(base);
+  };
   for (std::size_t i = 0; i + 3 <= range.size(); i += 3) {
-    if (stops_.find(range.substr(i, 3)) != std::string::npos) return false;
+    const std::uint8_t b1 = code(range[i]), b2 = code(range[i + 1]), b3 = code(range[i + 2]);
+    if (IsBase(b1) && IsBase(b2) && IsBase(b3) && stops_[CodonIndex(b1, b2, b3)]) return false;
   }
   return true;
 }

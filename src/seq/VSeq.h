@@ -24,9 +24,6 @@ class VSeq {
   // Appends one code sequence per FASTA record to `records`.
   bool ReadRecords(const std::string& name);
 
-  // For the gene commands: sets the stop codons from --TAA_, --TGA_, --TAG_ (none unless named),
-  // then reads --seq with ReadSingle.
-  bool LoadForGenes(Param& param);
   // The bases left .. right (0-based, inclusive), clipped to the sequence; reverse-complemented
   // for the reverse strand. Empty, with a warning on standard output, when an in-frame stop codon
   // stands before the last codon.
@@ -43,7 +40,7 @@ class VSeq {
 
   CodeSeq sequence;
   std::vector<CodeSeq> records;
-  std::array<bool, 64> stops{};  // stop codons by codon index; filled by the gene loader
+  CodonSet stops;  // filled by the gene loader
 };
 
 }  // namespace genetrain

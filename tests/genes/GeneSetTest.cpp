@@ -2,40 +2,42 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include <string>
 #include <vector>
+
+#include "genes/GenesTestSupport.h"
 
 namespace genetrain {
 namespace {
 
-// strand, left, right, left_complete, right_complete, valid, class, as one comparable text.
+// The record as ShowGene shows it, then its validity and class.
 std::string Show(const GENE& gene) {
-  return std::to_string(StrandNumber(gene.strand)) + " " + std::to_string(gene.left) + " " +
-         std::to_string(gene.right) + " " + (gene.left_complete ? "c" : "o") +
-         (gene.right_complete ? "c" : "o") + " " + (gene.valid ? "valid" : "invalid") + " " +
+  return test::ShowGene(gene) + " " + (gene.valid ? "valid" : "invalid") + " " +
          std::to_string(gene.gene_class);
 }
 
-TEST(GeneSetSixColumns, CoordinatesStrandAndClass) {
-  GeneSet set;
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 1")), "1 0 98 cc valid 1");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 100 100 1")), "1 0 99 cc invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("g1\t-\t<3\t>101\t99\t2\r")), "2 2 100 oo valid 2");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 3")), "1 0 98 cc invalid 3");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 257")), "1 0 98 cc valid 1");  // low 8 bits
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 x")), "1 0 98 cc invalid 255");
-}
-
-TEST(GeneSetSixColumns, UnreadableSpansDropBothCoordinates) {
-  GeneSet set;
-  EXPECT_EQ(Show(set.ParseLine("g1 * 1 99 99 1")), "0 -1 -1 cc invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 0 98 98 1")), "1 -1 -1 cc invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("g1 + <x 98 98 1")), "1 -1 -1 oc invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 10 >9 98 1")), "1 -1 -1 co invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 2147483648 1 1")), "1 -1 -1 cc invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99")), "0 -1 -1 cc invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("g1 + 1 99 99 1 extra")), "0 -1 -1 cc invalid 0");
-  EXPECT_EQ(Show(set.ParseLine("")), "0 -1 -1 cc invalid 0");
+TEST(GeneSetSixColumns, CoordinatesStrandClassAndUnreadableSpans) {
+  const std::pair<std::string_view, std::string_view> lines[] = {
+      {"g1 + 1 99 99 1", "1 0 98 cc valid 1"},
+      {"g1 + 1 100 100 1", "1 0 99 cc invalid 0"},  // not whole codons
+      {"g1\t-\t<3\t>101\t99\t2\r", "2 2 100 oo valid 2"},
+      {"g1 + 1 99 99 3", "1 0 98 cc invalid 3"},
+      {"g1 + 1 99 99 257", "1 0 98 cc valid 1"},  // low 8 bits
+      {"g1 + 1 99 99 x", "1 0 98 cc invalid 255"},
+      // A span that cannot be read drops both coordinates.
+      {"g1 * 1 99 99 1", "0 -1 -1 cc invalid 0"},
+      {"g1 + 0 98 98 1", "1 -1 -1 cc invalid 0"},
+      {"g1 + <x 98 98 1", "1 -1 -1 oc invalid 0"},
+      {"g1 + 10 >9 98 1", "1 -1 -1 co invalid 0"},
+      {"g1 + 1 2147483648 1 1", "1 -1 -1 cc invalid 0"},
+      {"g1 + 1 99 99", "0 -1 -1 cc invalid 0"},
+      {"g1 + 1 99 99 1 extra", "0 -1 -1 cc invalid 0"},
+      {"", "0 -1 -1 cc invalid 0"},
+  };
+  const GeneSet set;
+  for (const auto& [line, shown] : lines) EXPECT_EQ(Show(set.ParseLine(line)), shown) << line;
 }
 
 TEST(GeneSetSixColumns, LimitAdmitsAGeneOneBasePastTheEnd) {

@@ -5,9 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "TestSupport.h"
-#include "genes/Genome.h"
-#include "seq/VSeq.h"
+#include "genes/GenesTestSupport.h"
 
 namespace genetrain {
 namespace {
@@ -23,33 +21,7 @@ std::string Bases(std::size_t count) {
   return bases;
 }
 
-std::string ReverseComplement(std::string bases) {
-  std::reverse(bases.begin(), bases.end());
-  for (char& base : bases) {
-    base = base == 'A' ? 'T' : base == 'C' ? 'G' : base == 'G' ? 'C' : base == 'T' ? 'A' : 'N';
-  }
-  return bases;
-}
-
-VSeq Loaded(const std::string& bases) {
-  test::ScratchDir dir;
-  Param param;
-  param.Set("--seq", dir.Write("g.fa", ">g\n" + bases + "\n"));
-  VSeq seq;
-  EXPECT_TRUE(seq.LoadForGenes(param));
-  return seq;
-}
-
-Genome DefaultGenome() {
-  Param none;
-  return Genome(none);
-}
-
-std::string Letters(const Genome& genome, const CodeSeq& codes) {
-  std::string line = genome.WriteSeq(codes);
-  line.pop_back();
-  return line;
-}
+using test::ReverseComplement;
 
 struct Collected {
   std::string labels;   // the labels of the regions, one after the other
@@ -59,12 +31,9 @@ struct Collected {
 // The regions collected with upstream U and inside P.
 Collected Collect(const std::string& bases, const std::string& genes, int upstream, int inside,
                   bool intergenic = false, std::uint32_t minCod = 0) {
-  const VSeq seq = Loaded(bases);
-  GeneSet set;
-  set.max_right = static_cast<std::int32_t>(seq.sequence.size());
-  set.Parse(genes.data(), genes.data() + genes.size());
-  Genome genome = DefaultGenome();
-  genome.min_cod = minCod;
+  const VSeq seq = test::GeneSequence(bases);
+  const GeneSet set = test::GenesOn(seq, genes);
+  Genome genome(GenomeSettings{.min_cod = minCod});
   std::vector<std::string> labels;
   genome.CollectPreStarts(seq, set, upstream, inside, intergenic, labels);
   EXPECT_EQ(genome.pre_start.size(), labels.size());
@@ -88,7 +57,7 @@ TEST(PreStart, RegionsEndWhereTheStartCodonEndsOnBothStrands) {
       {atg, "a - 101 400 300 1\n", 17, 3,
        ">1 101 400 -\n" + ReverseComplement(atg.substr(397, 20)) + "\n"},
       // Direct genes need U bases before them, reverse ones U after them (right <= 60 - 17).
-      {b60, "a + 10 39 30 1\n", 17, 3, ""},
+      {b60, "a + 17 46 30 1\n", 17, 3, ""},
       {b60, "a + 18 47 30 1\n", 17, 3, ">1 18 47 +\n" + b60.substr(0, 20) + "\n"},
       {b60, "a - 16 45 30 1\n", 17, 3, ""},
       // At the limit the reverse region is clipped to 19 bases.
@@ -147,18 +116,6 @@ TEST(PreStart, GeneFilters) {
     SCOPED_TRACE(c.genes + " U " + std::to_string(c.upstream));
     EXPECT_EQ(Collect(c.bases, c.genes, c.upstream, 3, c.intergenic, c.minCod).labels, c.labels);
   }
-}
-
-TEST(RegionSeq, ClipsAtBothSequenceEnds) {
-  const std::string bases = Bases(40);
-  const VSeq seq = Loaded(bases);
-  Genome genome = DefaultGenome();
-  EXPECT_EQ(Letters(genome, seq.RegionSeq(5, 20, Strand::kDirect, 10, 3)), bases.substr(0, 8));
-  EXPECT_EQ(Letters(genome, seq.RegionSeq(20, 38, Strand::kReverse, 10, 3)),
-            ReverseComplement(bases.substr(35)));
-  // Windows that miss the sequence altogether come out empty.
-  EXPECT_TRUE(seq.RegionSeq(5, 20, Strand::kDirect, 20, -16).empty());
-  EXPECT_TRUE(seq.RegionSeq(20, 38, Strand::kReverse, 30, -45).empty());
 }
 
 }  // namespace

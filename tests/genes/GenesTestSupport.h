@@ -1,0 +1,53 @@
+#ifndef GENETRAIN_TESTS_GENES_GENESTESTSUPPORT_H
+#define GENETRAIN_TESTS_GENES_GENESTESTSUPPORT_H
+
+#include <string>
+#include <string_view>
+
+#include "TestSupport.h"
+#include "genes/Genome.h"
+
+namespace genetrain::test {
+
+// The sequence as the gene loader leaves it, with TAA as the only stop codon when `stops`.
+inline VSeq GeneSequence(std::string_view bases, bool stops = false) {
+  VSeq seq;
+  seq.sequence = CodesOf(bases);
+  if (stops) seq.stops = {kCodonTAA};
+  return seq;
+}
+
+// A six-column (or two-column) gene set limited to the sequence.
+inline GeneSet GenesOn(const VSeq& seq, std::string_view text, bool twoColumn = false) {
+  GeneSet set;
+  set.max_right = static_cast<std::int32_t>(seq.sequence.size());
+  set.two_column = twoColumn;
+  set.Parse(text.data(), text.data() + text.size());
+  return set;
+}
+
+// The codes in the letters of the training files, without the end of line.
+inline std::string Letters(const CodeSeq& codes) {
+  std::string line;
+  Genome(GenomeSettings{}).AppendSeq(line, codes);
+  line.pop_back();
+  return line;
+}
+
+inline std::string ReverseComplement(std::string_view bases) {
+  std::string reverse;
+  for (auto base = bases.rbegin(); base != bases.rend(); ++base)
+    reverse.push_back("TGCAN"[std::min<std::size_t>(std::string_view("ACGT").find(*base), 4)]);
+  return reverse;
+}
+
+// strand, left, right, then "c"losed or "o"pen for the left and the right side.
+inline std::string ShowGene(const GENE& gene) {
+  return std::to_string(StrandNumber(gene.strand)) + " " + std::to_string(gene.left) + " " +
+         std::to_string(gene.right) + " " + (gene.left_complete ? "c" : "o") +
+         (gene.right_complete ? "c" : "o");
+}
+
+}  // namespace genetrain::test
+
+#endif
