@@ -170,7 +170,7 @@ bool SSeq::Mask(Param& param) {
     PrintError({" : error, opening file ", maskName});
     return false;
   }
-  WriteMasked(file, record, *table_, MaskedRanges(intervals));
+  WriteMasked(file, record, UpperLetterTable(), MaskedRanges(intervals));
   return file.Commit();
 }
 
