@@ -41,7 +41,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     param.GetOpt(unsignedValue, token);
     param.GetOpt(signedValue, token);
     param.GetOpt(realValue, token);
-    param.GetOptNonNegative(realValue, token);
     param.GetOpt(flag, token);
   }
   return 0;

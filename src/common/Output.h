@@ -61,11 +61,9 @@ class OutputFile {
   void Discard();
 
   bool Failed() const { return error_ != 0; }
-  bool IsOpen() const { return kind_ != Kind::kClosed; }
   // True when a replaced output of that name goes through a temporary file: two such outputs
   // never share a stream.
   static bool ReplacesWhole(const std::string& name);
-  const std::string& Name() const { return name_; }
 
  private:
   enum class Kind { kClosed, kStdout, kDirect, kTemporary, kAppend };

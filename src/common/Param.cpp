@@ -58,6 +58,17 @@ std::string_view CutValue(std::string_view region, std::string_view separators) 
   return value;
 }
 
+// A key starts at `pos` when the prefix stands there, after a separator (or at the start) and
+// not followed by one.
+bool IsKeyStart(std::string_view text, std::size_t pos, std::string_view prefix,
+                std::string_view separators) {
+  if (pos > text.size() || text.size() - pos < prefix.size()) return false;
+  if (text.compare(pos, prefix.size(), prefix) != 0) return false;
+  if (pos > 0 && separators.find(text[pos - 1]) == std::string_view::npos) return false;
+  const std::size_t after = pos + prefix.size();
+  return after == text.size() || separators.find(text[after]) == std::string_view::npos;
+}
+
 }  // namespace
 
 bool Param::Init(int argc, const char* const* argv) {
@@ -121,15 +132,6 @@ bool Param::ParseText(std::string_view text, std::string_view prefix, std::strin
   return true;
 }
 
-bool Param::IsKeyStart(std::string_view text, std::size_t pos, std::string_view prefix,
-                       std::string_view separators) {
-  if (pos > text.size() || text.size() - pos < prefix.size()) return false;
-  if (text.compare(pos, prefix.size(), prefix) != 0) return false;
-  if (pos > 0 && separators.find(text[pos - 1]) == std::string_view::npos) return false;
-  const std::size_t after = pos + prefix.size();
-  return after == text.size() || separators.find(text[after]) == std::string_view::npos;
-}
-
 void Param::StripComments(std::string& text) {
   std::size_t hash = text.find('#');
   while (hash != std::string::npos) {
@@ -142,14 +144,6 @@ void Param::StripComments(std::string& text) {
 
 void Param::Merge(const Param& other) {
   for (const auto& [key, value] : other.pairs_) pairs_.insert_or_assign(key, value);
-}
-
-std::string Param::ToText() const {
-  std::string text;
-  for (const auto& [key, value] : pairs_) {
-    text.append(key).append(" ").append(value).push_back('\n');
-  }
-  return text;
 }
 
 void Param::Set(std::string_view key, std::string_view value) {
@@ -257,14 +251,6 @@ bool Param::GetOpt(double& target, std::string_view key) {
     ReportBadValue(key);
     return false;
   }
-  target = ToReal(*value);
-  return true;
-}
-
-bool Param::GetOptNonNegative(double& target, std::string_view key) {
-  const std::string* value = Find(key);
-  if (value == nullptr) return true;
-  if (!IsNonNegative(key)) return false;
   target = ToReal(*value);
   return true;
 }

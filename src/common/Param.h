@@ -27,11 +27,8 @@ class Param {
   bool LoadFile(const std::string& name);
   bool Load(const std::string& text);
   bool ParseText(std::string_view text, std::string_view prefix, std::string_view separators);
-  static bool IsKeyStart(std::string_view text, std::size_t pos, std::string_view prefix,
-                         std::string_view separators);
   static void StripComments(std::string& text);
   void Merge(const Param& other);
-  std::string ToText() const;
   void Clear() { pairs_.clear(); }
   void Set(std::string_view key, std::string_view value);
 
@@ -54,7 +51,6 @@ class Param {
   bool GetOpt(std::uint32_t& target, std::string_view key);
   bool GetOpt(std::int32_t& target, std::string_view key);
   bool GetOpt(double& target, std::string_view key);
-  bool GetOptNonNegative(double& target, std::string_view key);
 
   // Value checks; each prints the bad-value message on failure (IsNumber twice, IsNonNegative
   // twice for a bad character and once for a negative value).

@@ -55,13 +55,6 @@ std::vector<const Report::Entry*> Report::Selected() const {
   return entries;
 }
 
-std::string Report::Text() const {
-  std::string text;
-  for (const Entry* entry : Selected())
-    text.append(entry->label).append(entry->value).push_back('\n');
-  return text;
-}
-
 bool Report::Write(const std::string& name) {
   return Write(name, false);
 }

@@ -33,9 +33,6 @@ class Report {
   bool Write(const std::string& name);
   bool Write(const std::string& name, bool append);
 
-  // The text Write would produce, without checking the requests.
-  std::string Text() const;
-
  private:
   struct Entry {
     std::string label;

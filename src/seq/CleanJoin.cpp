@@ -2,6 +2,7 @@
 // editing both commands share. The text is never held whole: the records are joined straight
 // from the loaded file into the outputs, slice by slice.
 #include <cstdio>
+#include <optional>
 #include <string>
 
 #include "common/FileBuf.h"
@@ -39,6 +40,8 @@ struct RawFasta {
 namespace {
 
 struct JoinOptions {
+  std::string output;              // empty for standard output
+  std::optional<std::string> log;  // empty for standard output
   std::string seq;
   std::uint32_t minContig = 1;
   std::string filler;
@@ -49,6 +52,8 @@ struct JoinOptions {
 };
 
 bool ReadJoinOptions(Param& param, JoinOptions& options) {
+  options.output = param.ValueOrEmpty("--clean_join");
+  if (const std::string* log = param.Find("--log")) options.log = *log;
   return param.GetWord(options.seq, "--seq") &&
          param.GetOpt(options.minContig, "--MIN_CONTIG_SIZE") &&
          param.GetOpt(options.filler, "--GAP_FILLER") &&
@@ -108,29 +113,28 @@ std::string ReportFor(const RawFasta& input, const JoinOptions& options) {
 }  // namespace
 
 bool SSeq::CleanJoin(Param& param) {
-  const std::string outName = param.ValueOrEmpty("--clean_join");
   JoinOptions options;
   if (!ReadJoinOptions(param, options)) return false;
   RawFasta input;
   if (!input.Load(options.seq)) return false;
 
-  if (const std::string* log = param.Find("--log")) {
+  if (options.log.has_value()) {
     const std::string report = ReportFor(input, options);
-    if (log->empty()) {
+    if (options.log->empty()) {
       WriteStdout(report);
-    } else if (!WriteFile(*log, report, OutputMode::kAppend)) {
+    } else if (!WriteFile(*options.log, report, OutputMode::kAppend)) {
       return false;
     }
   }
   OutputFile out;
-  if (!out.Open(outName)) return false;
+  if (!out.Open(options.output)) return false;
   JoinedText text(&out);
   if (options.maxN >= 0) text.TrimRuns(static_cast<std::size_t>(options.maxN));
   RecordJoiner joiner(options.filler, options.Minimum());
   joiner.AddOutput(text);
   input.JoinInto(joiner);
   text.Finish();
-  if (outName.empty()) out.Write("\n");
+  if (options.output.empty()) out.Write("\n");
   return out.Commit();
 }
 

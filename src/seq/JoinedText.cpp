@@ -29,12 +29,10 @@ void JoinedText::TrimRuns(std::size_t maximum) {
   maximum_ = maximum;
 }
 
-void JoinedText::FlankRuns(std::string_view left, std::string_view right,
-                           std::vector<SSeq::Range>* ranges) {
+void JoinedText::FlankRuns(std::string_view left, std::string_view right) {
   edit_ = RunEdit::kFlank;
   left_.assign(left);
   right_.assign(right);
-  ranges_ = ranges;
 }
 
 void JoinedText::Put(std::string_view text) {
@@ -94,7 +92,6 @@ void JoinedText::EndFlankedRun() {
   if (run_ == 0) return;
   const std::uint64_t flanks = left_.size() + right_.size();
   if (run_ >= flanks) {
-    if (ranges_ != nullptr) ranges_->push_back({size_, size_ + run_});
     Emit(left_);
     EmitN(run_ - flanks);
     Emit(right_);
@@ -106,10 +103,6 @@ void JoinedText::EndFlankedRun() {
 
 void JoinedText::Emit(std::string_view bytes) {
   size_ += bytes.size();
-  if (text_ != nullptr) {
-    text_->append(bytes);
-    return;
-  }
   if (output_ == nullptr) return;
   while (!bytes.empty()) {
     if (slice_.size() == kSlice) Flush();
@@ -122,10 +115,6 @@ void JoinedText::Emit(std::string_view bytes) {
 
 void JoinedText::EmitN(std::uint64_t count) {
   size_ += count;
-  if (text_ != nullptr) {
-    text_->append(count, 'N');
-    return;
-  }
   if (output_ == nullptr) return;
   while (count > 0) {
     if (slice_.size() == kSlice) Flush();

@@ -4,34 +4,29 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "common/Output.h"
-#include "seq/SSeq.h"
 
 namespace genetrain {
 
 // The joined text of --clean_join and --clean on its way out. The text arrives in pieces of any
 // size; runs of N can be edited across the pieces' boundaries (trimmed, or given flanking
-// texts); what comes out goes to an output file in slices of 1 MB, or into a string, or is only
-// counted. So a joined text of any length is written without ever being held whole.
+// texts); what comes out goes to an output file in slices of 1 MB, or is only counted. So a joined
+// text of any length is written without ever being held whole.
 class JoinedText {
  public:
   // Only counted.
   JoinedText() = default;
   // Written to the output; a null output only counts.
   explicit JoinedText(OutputFile* output) : output_(output) {}
-  // Appended to the string.
-  explicit JoinedText(std::string& text) : text_(&text) {}
   JoinedText(const JoinedText&) = delete;
   JoinedText& operator=(const JoinedText&) = delete;
 
   // Every run of N longer than `maximum` keeps `maximum` of its N.
   void TrimRuns(std::size_t maximum);
   // Every run of N at least as long as both texts together starts with `left` and ends with
-  // `right`, keeping its length; the run's range is appended to `ranges` when given.
-  void FlankRuns(std::string_view left, std::string_view right,
-                 std::vector<SSeq::Range>* ranges = nullptr);
+  // `right`, keeping its length.
+  void FlankRuns(std::string_view left, std::string_view right);
 
   void Put(std::string_view text);
   // Ends the last run and hands out what is still held: call once, after the last piece.
@@ -50,13 +45,11 @@ class JoinedText {
   void Flush();
 
   OutputFile* output_ = nullptr;
-  std::string* text_ = nullptr;
   std::string slice_;
   RunEdit edit_ = RunEdit::kNone;
   std::size_t maximum_ = 0;
   std::string left_;
   std::string right_;
-  std::vector<SSeq::Range>* ranges_ = nullptr;
   std::uint64_t run_ = 0;   // N of the current run: seen so far (trim) or held back (flank)
   std::uint64_t size_ = 0;  // bytes handed out
 };

@@ -7,19 +7,17 @@
 #include <vector>
 
 #include "common/Param.h"
-#include "common/Report.h"
 #include "seq/LetterTables.h"
 #include "seq/SeqRecord.h"
 
 namespace genetrain {
 
 // FASTA records in the case-keeping view (A, C, G, T, a, c, g, t, N), and the record utilities.
-class MSSeq : public Report {
+class MSSeq {
  public:
   MSSeq() = default;
 
   bool ReadFasta(const std::string& name);
-  const std::vector<SeqRecord>& Records() const { return records_; }
 
   // Record utilities (--clean_fasta, --stat_fasta, --count_substring_n, --count_substring_atcg,
   // --CLEAN_CODING).

@@ -138,27 +138,33 @@ void WriteMasked(OutputFile& file, const FastaSpan& record, const LetterTable& t
   file.Write("\n");
 }
 
+struct MaskOptions {
+  std::string seq;
+  std::string intervals;
+  std::string out;
+};
+
+bool ReadMaskOptions(Param& param, MaskOptions& options) {
+  return param.GetWord(options.seq, "--seq") && param.GetWord(options.intervals, "--mask") &&
+         param.GetWord(options.out, "--out");
+}
+
 }  // namespace
 
 // The record is masked and written straight from the loaded file.
 bool SSeq::Mask(Param& param) {
-  std::string seqName;
-  std::string maskName;
-  std::string outName;
-  if (!param.GetWord(seqName, "--seq") || !param.GetWord(maskName, "--mask") ||
-      !param.GetWord(outName, "--out")) {
-    return false;
-  }
+  MaskOptions options;
+  if (!ReadMaskOptions(param, options)) return false;
   FileBuf input;
-  if (!input.Load(seqName.c_str())) return false;
+  if (!input.Load(options.seq.c_str())) return false;
   FastaScanner scanner(input.View());
   FastaSpan record;
   FastaSpan another;
   if (!scanner.Next(record) || scanner.Next(another)) return false;
 
   std::string text;
-  if (!ReadWhole(maskName, text)) {
-    PrintError({" : error, opening file ", maskName});
+  if (!ReadWhole(options.intervals, text)) {
+    PrintError({" : error, opening file ", options.intervals});
     return false;
   }
   const std::vector<Interval> intervals = ParseIntervals(text);
@@ -166,11 +172,11 @@ bool SSeq::Mask(Param& param) {
 
   // The message names the interval file, not the output: scripts match on it.
   OutputFile file;
-  if (!file.Open(outName, OutputMode::kReplace, OpenFailure::kQuiet)) {
-    PrintError({" : error, opening file ", maskName});
+  if (!file.Open(options.out, OutputMode::kReplace, OpenFailure::kQuiet)) {
+    PrintError({" : error, opening file ", options.intervals});
     return false;
   }
-  WriteMasked(file, record, *table_, MaskedRanges(intervals));
+  WriteMasked(file, record, UpperLetterTable(), MaskedRanges(intervals));
   return file.Commit();
 }
 

@@ -30,7 +30,6 @@ void RecordJoiner::Add(std::string_view raw) {
 }
 
 void RecordJoiner::PutFiller() {
-  if (fillerRanges_ != nullptr) fillerRanges_->push_back({length_, length_ + filler_.size()});
   for (const Output& output : outputs_) {
     output.text->Put(output.maskFiller ? maskedFiller_ : filler_);
   }

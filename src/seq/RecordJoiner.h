@@ -23,8 +23,6 @@ class RecordJoiner {
   RecordJoiner(std::string_view filler, std::int32_t minimum);
 
   void AddOutput(JoinedText& text, bool maskFiller = false);
-  // Appends the range of every filler put in, as it stands in the text before any edit.
-  void RecordFillers(std::vector<SSeq::Range>& ranges) { fillerRanges_ = &ranges; }
 
   // Takes a record's sequence, either as read or as raw FASTA text (line ends and all): both are
   // counted and copied through the single-case view, which leaves read sequences as they are.
@@ -48,7 +46,6 @@ class RecordJoiner {
   std::string maskedFiller_;
   std::int32_t minimum_;
   std::vector<Output> outputs_;
-  std::vector<SSeq::Range>* fillerRanges_ = nullptr;
   SSeq::Tally all_;
   SSeq::Tally kept_;
   std::size_t keptRecords_ = 0;

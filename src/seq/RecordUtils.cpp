@@ -85,21 +85,28 @@ class RenamingSink {
   std::string header_, names_, buffer_;
 };
 
+struct CleanFastaOptions {
+  std::string input, index, output, prefix;
+};
+
+bool ReadCleanFastaOptions(Param& param, CleanFastaOptions& options) {
+  return param.GetWord(options.input, "--clean_fasta") &&
+         param.GetWord(options.index, "--clean_fasta_index") &&
+         param.GetWord(options.output, "--clean_fasta_out") &&
+         param.GetWord(options.prefix, "--clean_fasta_label");
+}
+
 }  // namespace
 
 // The input is read block by block, so memory stays small whatever its size; the index, a
 // short line per record, is gathered and written after the records.
 bool MSSeq::CleanFasta(Param& param) {
-  std::string input, index, output, prefix;
-  if (!param.GetWord(input, "--clean_fasta") || !param.GetWord(index, "--clean_fasta_index") ||
-      !param.GetWord(output, "--clean_fasta_out") ||
-      !param.GetWord(prefix, "--clean_fasta_label")) {
-    return false;
-  }
-  RenamingSink sink(output, prefix);
-  if (!ReadFastaBlocks(input, kFastaBlockSize, sink)) return false;
+  CleanFastaOptions options;
+  if (!ReadCleanFastaOptions(param, options)) return false;
+  RenamingSink sink(options.output, options.prefix);
+  if (!ReadFastaBlocks(options.input, kFastaBlockSize, sink)) return false;
   std::string names;
-  return sink.Finish(names) && WriteFile(index, names);
+  return sink.Finish(names) && WriteFile(options.index, names);
 }
 
 bool MSSeq::CleanCoding(Param& param) {

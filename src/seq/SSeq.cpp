@@ -16,10 +16,6 @@ void SSeq::Tally::Add(const Tally& other) {
   n += other.n;
 }
 
-bool SSeq::ReadFasta(const std::string& name) {
-  return ReadFastaRecords(name, *table_, records_);
-}
-
 void SSeq::WriteLines(std::string_view text, std::uint32_t width, std::string& out) {
   if (text.empty()) return;
   const std::size_t step = width == 0 ? text.size() : width;
@@ -33,31 +29,6 @@ void SSeq::WriteLines(std::string_view text, std::uint32_t width, std::string& o
     dst[length] = '\n';
     dst += length + 1;
   }
-}
-
-// Four interleaved tables keep successive equal bytes from waiting on each other's increment.
-void SSeq::CountLetters(std::string_view range, LetterCounts& counts) {
-  const auto* bytes = reinterpret_cast<const unsigned char*>(range.data());
-  const std::size_t size = range.size();
-  if (size < 4096) {  // not worth clearing the lanes
-    for (std::size_t i = 0; i < size; ++i) ++counts[bytes[i]];
-    return;
-  }
-  std::array<LetterCounts, 4> lanes{};
-  std::size_t i = 0;
-  for (; i + 4 <= size; i += 4) {
-    ++lanes[0][bytes[i]];
-    ++lanes[1][bytes[i + 1]];
-    ++lanes[2][bytes[i + 2]];
-    ++lanes[3][bytes[i + 3]];
-  }
-  for (; i < size; ++i) ++lanes[0][bytes[i]];
-  for (std::size_t b = 0; b < 256; ++b)
-    counts[b] += lanes[0][b] + lanes[1][b] + lanes[2][b] + lanes[3][b];
-}
-
-double SSeq::GcPercent(const LetterCounts& counts) {
-  return GcPercent(Tally{counts['A'], counts['C'], counts['G'], counts['T'], counts['N']});
 }
 
 double SSeq::GcShare(const Tally& tally, double scale) {

@@ -8,7 +8,6 @@
 
 #include "common/Param.h"
 #include "common/Report.h"
-#include "seq/SeqRecord.h"
 
 namespace genetrain {
 
@@ -29,24 +28,12 @@ class SSeq : public Report {
     std::size_t end = 0;
   };
 
-  SSeq() = default;
-
-  bool ReadFasta(const std::string& name);
-  const std::vector<SeqRecord>& Records() const { return records_; }
-  std::vector<SeqRecord>& Records() { return records_; }
-  // The case-keeping table for --soft; call before ReadFasta.
-  void KeepCase() { table_ = &CasePreservingLetterTable(); }
-
   // Appends the text cut into lines of at most `width` letters, each with its end of line; width
   // 0 puts the whole text on one line; an empty text appends nothing.
   static void WriteLines(std::string_view text, std::uint32_t width, std::string& out);
-  // Adds one to the counter of every byte of the range.
-  static void CountLetters(std::string_view range, LetterCounts& counts);
   // The letters of a raw region (line ends and all) as the reader keeps them: a, c, g, t in
   // either case, U and u as t, every other letter as N; non-letters are not counted.
   static Tally TallyLetters(std::string_view raw);
-  // (G + C) * 100 / (A + C + G + T) over the capital letters' counters; 0 without any of them.
-  static double GcPercent(const LetterCounts& counts);
   static double GcPercent(const Tally& tally) { return GcShare(tally, 100); }
   // (G + C) * scale / (A + C + G + T) in double precision, 0 without any of the four: the one
   // GC computation. Scale 100 gives the percentage the reports print, 1 the fraction a random
@@ -75,13 +62,12 @@ class SSeq : public Report {
 
   // Splitting (--split).
   bool Split(Param& param);
-  static std::vector<SeqRecord> SplitAtN(const SeqRecord& record, std::int32_t maxRun,
-                                         std::int32_t margin);
+  // The bounds of the pieces of a sequence cut at runs of N. Leading and trailing runs shrink to
+  // the margin; inner runs longer than `maxRun` are cut, each neighbouring piece keeping `margin`
+  // letters of the run (or what there is of the sequence).
+  static std::vector<Range> PiecesAtN(std::string_view letters, std::int32_t maxRun,
+                                      std::int32_t margin);
   static std::string MakeName(std::string_view first, std::string_view second, std::int64_t number);
-
- private:
-  std::vector<SeqRecord> records_;
-  const LetterTable* table_ = &UpperLetterTable();
 };
 
 }  // namespace genetrain

@@ -1,8 +1,6 @@
 #ifndef GENETRAIN_SEQ_SEQRECORD_H
 #define GENETRAIN_SEQ_SEQRECORD_H
 
-#include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,9 +20,6 @@ struct SeqRecord {
 // message is printed by the loader.
 bool ReadFastaRecords(const std::string& name, const LetterTable& table,
                       std::vector<SeqRecord>& records);
-
-// One counter per byte value. Counts are 64-bit so that files beyond 2^31 letters count right.
-using LetterCounts = std::array<std::uint64_t, 256>;
 
 }  // namespace genetrain
 

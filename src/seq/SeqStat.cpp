@@ -64,34 +64,46 @@ bool SSeq::CountFile(const std::string& name, std::size_t blockSize, FileCounts&
   return ReadFastaBlocks(name, blockSize, sink);
 }
 
-bool SSeq::Stat(Param& param) {
-  std::string name;
+namespace {
+
+struct StatOptions {
+  std::string output;  // empty for standard output
+  std::string seq;
   std::uint32_t precision = 1;
-  if (!param.GetWord(name, "--seq") || !param.GetOpt(precision, "--GC_PRECISION")) return false;
+  std::string label{kDefaultGcLabel};  // --gc only
+};
+
+// The output is the value of the command key, `command`.
+bool ReadStatOptions(Param& param, std::string_view command, StatOptions& options) {
+  options.output = param.ValueOrEmpty(command);
+  return param.GetWord(options.seq, "--seq") && param.GetOpt(options.precision, "--GC_PRECISION") &&
+         (command != "--gc" || param.GetOpt(options.label, "--GC_LABEL"));
+}
+
+}  // namespace
+
+bool SSeq::Stat(Param& param) {
+  StatOptions options;
+  if (!ReadStatOptions(param, "--stat", options)) return false;
   FileCounts counts;
-  if (!CountFile(name, kFastaBlockSize, counts)) return false;
+  if (!CountFile(options.seq, kFastaBlockSize, counts)) return false;
   // A one-record file is shown as file name, blank, header line.
-  std::string label = name;
+  std::string label = options.seq;
   if (counts.records == 1 && !counts.firstLabel.empty()) {
     label.append(" ").append(counts.firstLabel);
   }
-  Set("--stat", "", StatTable(label, counts, precision));
-  return Write(param.ValueOrEmpty("--stat"));
+  Set("--stat", "", StatTable(label, counts, options.precision));
+  return Write(options.output);
 }
 
 bool SSeq::Gc(Param& param) {
-  std::string name;
-  std::uint32_t precision = 1;
-  std::string label(kDefaultGcLabel);
-  if (!param.GetWord(name, "--seq") || !param.GetOpt(precision, "--GC_PRECISION") ||
-      !param.GetOpt(label, "--GC_LABEL")) {
-    return false;
-  }
+  StatOptions options;
+  if (!ReadStatOptions(param, "--gc", options)) return false;
   FileCounts counts;
-  if (!CountFile(name, kFastaBlockSize, counts)) return false;
-  AppendFixed(label, GcPercent(counts.letters), precision);
-  Set("--gc", "", label);
-  return Write(param.ValueOrEmpty("--gc"));
+  if (!CountFile(options.seq, kFastaBlockSize, counts)) return false;
+  AppendFixed(options.label, GcPercent(counts.letters), options.precision);
+  Set("--gc", "", options.label);
+  return Write(options.output);
 }
 
 }  // namespace genetrain

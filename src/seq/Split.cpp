@@ -166,12 +166,11 @@ bool WriteRecordOrPieces(std::string_view label, std::string& sequence, const Sp
   return WritePieces(label, sequence, options, k, text);
 }
 
-// The bounds of the pieces of a sequence cut at runs of N. Leading and trailing runs shrink to
-// the margin; inner runs longer than `maxRun` are cut, each neighbouring piece keeping `margin`
-// letters of the run (or what there is of the sequence). Each stretch is scanned once: memchr
-// finds the next N, a plain loop the end of its run.
-std::vector<SSeq::Range> PiecesAtN(std::string_view letters, std::int32_t maxRun,
-                                   std::int32_t margin) {
+}  // namespace
+
+// Each stretch is scanned once: find the next N, then the end of its run.
+std::vector<SSeq::Range> SSeq::PiecesAtN(std::string_view letters, std::int32_t maxRun,
+                                         std::int32_t margin) {
   std::vector<SSeq::Range> pieces;
   const std::size_t size = letters.size();
   const std::size_t keep = margin > 0 ? static_cast<std::size_t>(margin) : 0;
@@ -195,14 +194,11 @@ std::vector<SSeq::Range> PiecesAtN(std::string_view letters, std::int32_t maxRun
   }
 }
 
+namespace {
+
 // A piece is labelled with its record's label and its 0-based offset in the record.
 std::string PieceName(std::string_view label, const SSeq::Range& range) {
   return SSeq::MakeName(label, " ; ", static_cast<std::int64_t>(range.begin));
-}
-
-SeqRecord CopyPiece(const SeqRecord& record, const SSeq::Range& range) {
-  return {PieceName(record.label, range),
-          record.sequence.substr(range.begin, range.end - range.begin)};
 }
 
 // Writes one record, or its pieces when cutting at runs of N: a piece stands in the record's
@@ -211,7 +207,7 @@ bool WriteRecord(std::string_view label, std::string& letters, const SplitOption
                  std::int64_t& k, std::string& text) {
   if (options.maxRun <= 0) return WriteRecordOrPieces(label, letters, options, k, text);
   std::string piece;
-  for (const SSeq::Range& range : PiecesAtN(letters, options.maxRun, options.margin)) {
+  for (const SSeq::Range& range : SSeq::PiecesAtN(letters, options.maxRun, options.margin)) {
     piece.assign(letters, range.begin, range.end - range.begin);
     if (!WriteRecordOrPieces(PieceName(label, range), piece, options, k, text)) return false;
   }
@@ -228,21 +224,12 @@ std::string SSeq::MakeName(std::string_view first, std::string_view second, std:
   return name;
 }
 
-std::vector<SeqRecord> SSeq::SplitAtN(const SeqRecord& record, std::int32_t maxRun,
-                                      std::int32_t margin) {
-  std::vector<SeqRecord> pieces;
-  for (const Range& range : PiecesAtN(record.sequence, maxRun, margin)) {
-    pieces.push_back(CopyPiece(record, range));
-  }
-  return pieces;
-}
-
 // Records are read one at a time from the loaded file into one buffer, and written at once:
 // the file is held once, the records never all together.
 bool SSeq::Split(Param& param) {
   SplitOptions options;
   if (!ReadOptions(param, options)) return false;
-  if (options.soft) KeepCase();
+  const LetterTable& table = options.soft ? CasePreservingLetterTable() : UpperLetterTable();
   if (options.base.empty()) options.base = options.seqName;
   FileBuf file;
   if (!file.Load(options.seqName.c_str())) return false;
@@ -257,7 +244,7 @@ bool SSeq::Split(Param& param) {
   std::string text;
   do {
     letters.clear();
-    AppendLetters(span.body, *table_, letters);
+    AppendLetters(span.body, table, letters);
     if (!WriteRecord(span.label, letters, options, k, text)) return false;
   } while (scanner.Next(span));
   return true;

@@ -29,8 +29,8 @@ class VSeq {
   // stands before the last codon.
   CodeSeq GeneSeq(int left, int right, Strand strand) const;
   // The region around a start codon: `upstream` bases before it and `inside` bases from it,
-  // clipped to the sequence; `right_end` is the gene's right + 1.
-  CodeSeq RegionSeq(int left, int right_end, Strand strand, int upstream, int inside) const;
+  // clipped to the sequence; `rightEnd` is the gene's right + 1.
+  CodeSeq RegionSeq(int left, int rightEnd, Strand strand, int upstream, int inside) const;
 
   static std::uint8_t Complement(std::uint8_t code) { return IsBase(code) ? 3 - code : kOther; }
   // The codon index 16 * b1 + 4 * b2 + b3 of three codes below 4.

@@ -32,11 +32,15 @@ TEST(Report, RequestsChooseEntriesAndTheirOrder) {
   report.SetInt("--big", "", 9000000000);
   report.Set("--unused", "X ", "x");
   for (const char* key : {"--ORDM", "--PHMM", "--ORDM", "--big"}) report.Request(key);
-  EXPECT_EQ(report.Text(), "ORDM -5\nPHMM 1\nORDM -5\n9000000000\n");
+  CaptureStdout();
+  EXPECT_TRUE(report.Write(""));
+  EXPECT_EQ(GetCapturedStdout(), "ORDM -5\nPHMM 1\nORDM -5\n9000000000\n");
   report.Set("--PHMM", "P: ", "2");
   report.ClearRequests();
   report.Request("--PHMM");
-  EXPECT_EQ(report.Text(), "P: 2\n");
+  CaptureStdout();
+  EXPECT_TRUE(report.Write(""));
+  EXPECT_EQ(GetCapturedStdout(), "P: 2\n");
 }
 
 TEST(Report, FaultyRequestWritesNothing) {

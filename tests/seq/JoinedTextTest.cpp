@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <random>
 #include <string>
 #include <vector>
@@ -10,23 +9,44 @@
 #include "common/Output.h"
 #include "seq/JoinedText.h"
 #include "seq/RecordJoiner.h"
-#include "seq/SSeq.h"
 
 namespace genetrain {
 namespace {
 
-using Ranges = std::vector<std::pair<std::size_t, std::size_t>>;
+// A joined text written to a file of a scratch folder, as the commands write it.
+struct JoinedFile {
+  test::ScratchDir dir;
+  OutputFile file;
+  JoinedText text{&file};
 
-// Texts of A, C and N runs of every length from 0 to `longest`, so that runs meet the pieces'
-// boundaries in every way.
-std::string RandomRuns(std::mt19937& random, std::size_t runs, std::size_t longest) {
-  std::string text;
-  std::uniform_int_distribution<std::size_t> length(0, longest);
-  for (std::size_t i = 0; i < runs; ++i) {
-    text.append(length(random), 'N');
-    text.append(length(random) % 4, "AC"[i % 2]);
+  JoinedFile() { file.Open(dir.Path("out")); }
+  // Ends the text and gives what the file holds.
+  std::string Finish() {
+    text.Finish();
+    EXPECT_TRUE(file.Commit());
+    return test::ReadFile(dir.Path("out"));
   }
-  return text;
+};
+
+// Some hand-made texts, then texts of A, C and N runs of every length from 0 to 12, so that runs
+// meet the pieces' boundaries in every way.
+std::vector<std::string> Texts(std::mt19937& random) {
+  std::vector<std::string> texts = {"",
+                                    "ACNNNNNNNGT",
+                                    "NNNNNAGNNNNNNCNTNNNNNN",
+                                    "NNNNNNNN",
+                                    "AnnnnNNNNnT",  // only the capital N forms runs
+                                    "CNNNCNNNNCNNNNNNC",
+                                    "NANNGN"};
+  std::uniform_int_distribution<std::size_t> length(0, 12);
+  for (int round = 0; round < 200; ++round) {
+    std::string& text = texts.emplace_back();
+    for (std::size_t i = 0; i < 30; ++i) {
+      text.append(length(random), 'N');
+      text.append(length(random) % 4, "AC"[i % 2]);
+    }
+  }
+  return texts;
 }
 
 // Hands the text over in pieces of random sizes, empty ones included.
@@ -37,7 +57,6 @@ void PutInPieces(JoinedText& out, std::string_view text, std::mt19937& random) {
     out.Put(text.substr(0, part));
     text.remove_prefix(part);
   }
-  out.Finish();
 }
 
 // Every run of N cut to `maximum`, letter by letter: the plain version of the trim.
@@ -53,30 +72,27 @@ std::string TrimmedPlainly(std::string_view text, std::size_t maximum) {
 
 TEST(JoinedText, TrimmingInPiecesGivesWhatTrimmingTheWholeTextGives) {
   std::mt19937 random(7);
-  for (int round = 0; round < 200; ++round) {
-    const std::string text = RandomRuns(random, 30, 12);
-    for (const std::int32_t maximum : {0, 1, 3, 11}) {
-      const std::string whole = TrimmedPlainly(text, static_cast<std::size_t>(maximum));
-      std::string pieces;
-      JoinedText out(pieces);
-      out.TrimRuns(static_cast<std::size_t>(maximum));
-      PutInPieces(out, text, random);
-      ASSERT_EQ(pieces, whole) << text << " " << maximum;
-      EXPECT_EQ(out.Size(), whole.size());
+  for (const std::string& text : Texts(random)) {
+    for (const std::size_t maximum : {0, 1, 2, 11}) {
+      const std::string whole = TrimmedPlainly(text, maximum);
+      JoinedFile out;
+      out.text.TrimRuns(maximum);
+      PutInPieces(out.text, text, random);
+      ASSERT_EQ(out.Finish(), whole) << text << " " << maximum;
+      EXPECT_EQ(out.text.Size(), whole.size());
     }
   }
 }
 
-// Each run of at least |left| + |right| N, found in the text as a whole, flanked and recorded.
+// Each run of at least |left| + |right| N, found in the text as a whole, flanked.
 std::string FlankedByHand(const std::string& text, const std::string& left,
-                          const std::string& right, Ranges& ranges) {
+                          const std::string& right) {
   std::string out = text;
   for (std::size_t start = text.find('N'); start != std::string::npos;) {
     const std::size_t end = std::min(text.find_first_not_of('N', start), text.size());
     if (end - start >= left.size() + right.size()) {
       out.replace(start, left.size(), left);
       out.replace(end - right.size(), right.size(), right);
-      ranges.emplace_back(start, end);
     }
     start = text.find('N', end);
   }
@@ -85,43 +101,31 @@ std::string FlankedByHand(const std::string& text, const std::string& left,
 
 TEST(JoinedText, FlankingInPiecesGivesWhatFlankingTheWholeTextGives) {
   std::mt19937 random(11);
-  for (int round = 0; round < 200; ++round) {
-    const std::string text = RandomRuns(random, 30, 12);
+  for (const std::string& text : Texts(random)) {
     for (const auto& [left, right] : std::vector<std::pair<std::string, std::string>>{
              {"AA", "TT"}, {"", "G"}, {"GCG", ""}, {"", ""}, {"NA", "AN"}}) {
-      Ranges expectedRanges;
-      const std::string expected = FlankedByHand(text, left, right, expectedRanges);
-      std::string pieces;
-      std::vector<SSeq::Range> ranges;
-      JoinedText out(pieces);
-      out.FlankRuns(left, right, &ranges);
-      PutInPieces(out, text, random);
-      ASSERT_EQ(pieces, expected) << text << " " << left << " " << right;
-      Ranges got;
-      for (const SSeq::Range& range : ranges) got.emplace_back(range.begin, range.end);
-      EXPECT_EQ(got, expectedRanges);
+      JoinedFile out;
+      out.text.FlankRuns(left, right);
+      PutInPieces(out.text, text, random);
+      ASSERT_EQ(out.Finish(), FlankedByHand(text, left, right)) << text << " " << left << right;
     }
   }
 }
 
-TEST(JoinedText, StreamGetsTheTextInSlicesCountOnlyJustCounts) {
-  // Beyond one slice of 1 MB, with runs of N longer than a slice.
+TEST(JoinedText, LongTextGoesOutInSlicesOrIsOnlyCounted) {
+  // Beyond one slice of 1 MB, with runs of N longer than a slice, and 300 000 short runs: a
+  // version that erased each run from the middle of the text would take minutes.
   std::string text;
   for (int i = 0; i < 40; ++i) {
     text.append(100000, "ACGT"[i % 4]);
     text.append(static_cast<std::size_t>(i) * 60000, 'N');
   }
+  for (int i = 0; i < 300000; ++i) text.append("ACG").append(static_cast<std::size_t>(i % 7), 'N');
   const std::string expected = TrimmedPlainly(text, 1500000);
-  test::ScratchDir dir;
-  const std::string name = dir.Path("out.txt");
-  OutputFile file;
-  ASSERT_TRUE(file.Open(name));
-  JoinedText streamed(&file);
-  streamed.TrimRuns(1500000);
-  streamed.Put(text);
-  streamed.Finish();
-  ASSERT_TRUE(file.Commit());
-  EXPECT_EQ(test::ReadFile(name), expected);
+  JoinedFile streamed;
+  streamed.text.TrimRuns(1500000);
+  streamed.text.Put(text);
+  EXPECT_EQ(streamed.Finish(), expected);
   JoinedText counted;
   counted.TrimRuns(1500000);
   counted.Put(text);
@@ -129,104 +133,65 @@ TEST(JoinedText, StreamGetsTheTextInSlicesCountOnlyJustCounts) {
   EXPECT_EQ(counted.Size(), expected.size());
 }
 
-TEST(RecordJoiner, FeedsEveryOutputWithItsFillerAndCountsWithoutAny) {
-  RecordJoiner joiner("xy", 1);
-  std::string clean;
-  std::string masked;
-  JoinedText cleanText(clean);
-  JoinedText maskedText(masked);
-  joiner.AddOutput(cleanText);
-  joiner.AddOutput(maskedText, true);
-  std::vector<SSeq::Range> fillers;
-  joiner.RecordFillers(fillers);
-  for (const char* raw : {"ac\ngt\n", "nnn\n", "12 g-u\r\n", "RY"}) joiner.Add(raw);
-  cleanText.Finish();
-  maskedText.Finish();
-  EXPECT_EQ(clean, "ACGTxyGT");
-  EXPECT_EQ(masked, "ACGTNNGT");
-  ASSERT_EQ(fillers.size(), 1u);
-  EXPECT_EQ(fillers[0].begin, 4u);
-  EXPECT_EQ(fillers[0].end, 6u);
-  EXPECT_EQ(joiner.KeptRecords(), 2u);
-  EXPECT_EQ(joiner.All().n, 5u);
-  EXPECT_EQ(joiner.Kept().t, 2u);
-
-  RecordJoiner counting("xy", 1);
-  for (const char* raw : {"ac\ngt\n", "nnn\n", "12 g-u\r\n", "RY"}) counting.Add(raw);
-  EXPECT_EQ(counting.Length(), clean.size());
-  EXPECT_EQ(counting.KeptRecords(), 2u);
+std::string Show(const SSeq::Tally& tally) {
+  return std::to_string(tally.a) + " " + std::to_string(tally.c) + " " + std::to_string(tally.g) +
+         " " + std::to_string(tally.t) + " " + std::to_string(tally.n);
 }
 
-// --clean writes both copies in one pass, unless they name the same file: that then holds the
-// masked copy, written last, as when the copies are written one after the other.
-TEST(Clean, SameFileUnderTwoNamesEndsWithTheMaskedCopy) {
-  test::ScratchDir dir;
-  const std::string fasta = dir.Write("in.fa", ">a\nACGT\n>b\nGGNNNNCC\n");
-  const auto run = [&](const std::string& clean, const std::string& masked) {
-    return test::RunCommand(&SSeq::Clean, {{"--seq", fasta},
-                                           {"--out_clean", clean},
-                                           {"--out_masked", masked},
-                                           {"--GAP_FILLER", "TTT"},
-                                           {"--REPLACE_N_STRING", "1"},
-                                           {"--LEFT_GAP_FILLER", "A"},
-                                           {"--RIGHT_GAP_FILLER", "C"}});
+TEST(RecordJoiner, FillerBetweenRecordsKeptAndTallies) {
+  struct Case {
+    std::vector<std::string> records;
+    std::string filler;
+    std::int32_t minimum;
+    std::size_t count;
+    std::string out, all, kept;  // tallies: A C G T N
   };
-  EXPECT_TRUE(run(dir.Path("c.txt"), dir.Path("m.txt")).ok);
-  EXPECT_EQ(test::ReadFile(dir.Path("c.txt")), "ACGTTTTGGANNCCC");
-  EXPECT_EQ(test::ReadFile(dir.Path("m.txt")), "ACGTNNNGGNNNNCC");
-  EXPECT_TRUE(run(dir.Path("same.txt"), dir.Path("same.txt")).ok);
-  EXPECT_EQ(test::ReadFile(dir.Path("same.txt")), "ACGTNNNGGNNNNCC");
-  EXPECT_TRUE(run(dir.Path("alias.txt"), dir.Path(".") + "/alias.txt").ok);
-  EXPECT_EQ(test::ReadFile(dir.Path("alias.txt")), "ACGTNNNGGNNNNCC");
-}
-
-TEST(CleanJoin, ReportTellsTheLengthOfTheTrimmedText) {
-  test::ScratchDir dir;
-  const std::string fasta = dir.Write("in.fa", ">a\nACNNNNNNGT\n>b\nNNNN\n>c\nNNA\n");
-  const test::Outcome run = test::RunCommand(&SSeq::CleanJoin, {{"--clean_join", ""},
-                                                                {"--seq", fasta},
-                                                                {"--GAP_FILLER", "NN"},
-                                                                {"--MAX_N_SUBSTRING", "2"},
-                                                                {"--log", ""}});
-  EXPECT_TRUE(run.ok);
-  // The records hold 17 letters, the joined text ACNNNNNNGTNNNNA 15, trimmed 9.
-  EXPECT_NE(run.out.find("All letters - 17   9\n"), std::string::npos) << run.out;
-  EXPECT_EQ(run.out.substr(run.out.size() - 10), "ACNNGTNNA\n");
-}
-
-// A record far longer than one piece of letters, with intervals across the pieces' boundaries.
-TEST(Mask, LongRecordIsMaskedAcrossPieces) {
-  std::string sequence;
-  for (std::size_t i = 0; i < 700000; ++i) sequence.push_back("acgT"[i % 4]);
-  std::string fasta = ">long\n";
-  for (std::size_t i = 0; i < sequence.size(); i += 61) fasta.append(sequence, i, 61).append("\n");
-  std::string expected = sequence;
-  for (char& letter : expected) letter = static_cast<char>(letter & ~0x20);
-  const std::vector<std::pair<std::size_t, std::size_t>> intervals = {
-      {262140, 262150}, {1, 3}, {500000, 699999}, {262144, 262144}, {600000, 700000}, {2, 2}};
-  std::string lines;
-  for (const auto& [first, last] : intervals) {
-    lines.append(std::to_string(first)).append(" ").append(std::to_string(last)).append("\n");
-    for (std::size_t p = first; p <= last; ++p) expected[p - 1] = 'N';
+  const Case cases[] = {
+      // Records below the minimum go, without a filler.
+      {{"ACGTNNNN", "NNNNNNNN", "GGGG"},
+       "NNNNN",
+       1,
+       2,
+       "ACGTNNNNNNNNNGGGG",
+       "1 1 5 1 12",
+       "1 1 5 1 4"},
+      // The filler comes only after text, so empty records kept first get none.
+      {{"", "", "AC", "", "GT"}, "xy", 0, 5, "ACxyxyGT", "1 1 1 1 0", "1 1 1 1 0"},
+      // A minimum of 3,000,000,000 arrives here as a negative number: every record is kept.
+      {{"NN", "", "A"},
+       "-",
+       static_cast<std::int32_t>(3000000000u),
+       3,
+       "NN--A",
+       "1 0 0 0 2",
+       "1 0 0 0 2"},
+      {{}, "-", 1, 0, "", "0 0 0 0 0", "0 0 0 0 0"},
+  };
+  for (const Case& c : cases) {
+    JoinedFile out;
+    RecordJoiner joiner(c.filler, c.minimum);
+    joiner.AddOutput(out.text);
+    for (const std::string& record : c.records) joiner.Add(record);
+    EXPECT_EQ(out.Finish(), c.out);
+    EXPECT_EQ(joiner.KeptRecords(), c.count) << c.out;
+    EXPECT_EQ(Show(joiner.All()), c.all) << c.out;
+    EXPECT_EQ(Show(joiner.Kept()), c.kept) << c.out;
   }
-  test::ScratchDir dir;
-  const test::Outcome run = test::RunCommand(&SSeq::Mask, {{"--seq", dir.Write("in.fa", fasta)},
-                                                           {"--mask", dir.Write("m.txt", lines)},
-                                                           {"--out", dir.Path("out.fa")}});
-  EXPECT_TRUE(run.ok);
-  EXPECT_EQ(test::ReadFile(dir.Path("out.fa")), ">long\n" + expected + "\n");
 }
 
-TEST(WriteFile, WritesThePartsInOrder) {
-  test::ScratchDir dir;
-  const std::string name = dir.Path("out.txt");
-  EXPECT_TRUE(WriteFile(name, {">x", "", "\n", "ACGT", "\n"}));
-  EXPECT_EQ(test::ReadFile(name), ">x\nACGT\n");
-  EXPECT_TRUE(WriteFile(name, {}));
-  EXPECT_EQ(test::ReadFile(name), "");
-  EXPECT_TRUE(WriteFile(name, {"1", "2", "3", "4", "5", "6", "7", "8", "9"}));
-  EXPECT_EQ(test::ReadFile(name), "123456789");
-  EXPECT_FALSE(WriteFile(dir.Path(""), {"x"}));
+TEST(RecordJoiner, FeedsEveryOutputWithItsFillerAndCountsWithoutAny) {
+  const char* const raw[] = {"ac\ngt\n", "nnn\n", "12 g-u\r\n", "RY"};
+  JoinedFile clean, masked;
+  RecordJoiner joiner("xy", 1);
+  joiner.AddOutput(clean.text);
+  joiner.AddOutput(masked.text, true);
+  for (const char* record : raw) joiner.Add(record);
+  EXPECT_EQ(clean.Finish(), "ACGTxyGT");
+  EXPECT_EQ(masked.Finish(), "ACGTNNGT");
+  RecordJoiner counting("xy", 1);
+  for (const char* record : raw) counting.Add(record);
+  EXPECT_EQ(counting.Length(), 8u);
+  EXPECT_EQ(counting.KeptRecords(), 2u);
 }
 
 }  // namespace

@@ -104,10 +104,10 @@ TEST(RecordRuns, StreamingAgreesWithTheRecords) {
   for (unsigned seed = 1; seed <= 40; ++seed) {
     const std::string fasta = RandomFasta(seed);
     test::ScratchDir dir;
-    MSSeq read;
-    ASSERT_TRUE(read.ReadFasta(dir.Write("in.fa", fasta)));
+    std::vector<SeqRecord> records;
+    ASSERT_TRUE(ReadFastaRecords(dir.Write("in.fa", fasta), CasePreservingLetterTable(), records));
     std::string runs, stretches, stats;
-    for (const SeqRecord& record : read.Records()) {
+    for (const SeqRecord& record : records) {
       const std::string& seq = record.sequence;
       runs += record.label + "<";
       std::size_t start = 0;

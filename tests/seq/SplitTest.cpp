@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <initializer_list>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "TestSupport.h"
@@ -12,126 +10,90 @@
 namespace genetrain {
 namespace {
 
-using Piece = std::pair<std::string, std::string>;  // label, sequence
-using Pieces = std::vector<Piece>;
+// The pieces as "offset letters|".
+std::string Pieces(std::string_view letters, std::int32_t maxRun, std::int32_t margin) {
+  std::string shown;
+  for (const SSeq::Range& range : SSeq::PiecesAtN(letters, maxRun, margin)) {
+    shown += std::to_string(range.begin) + " " +
+             std::string(letters.substr(range.begin, range.end - range.begin)) + "|";
+  }
+  return shown;
+}
 
-TEST(SplitAtN, CutsAtLongRunsKeepingTheMargin) {
+TEST(PiecesAtN, CutsAtLongRunsKeepingTheMargin) {
   struct Case {
-    std::string sequence;
+    std::string letters;
     std::int32_t maxRun, margin;
-    Pieces pieces;
-    std::string label = ">r";
+    std::string pieces;
   };
   const Case cases[] = {
-      // An inner run longer than the maximum is cut, keeping the margin on each side.
-      {"ACGTNNNNNNNNACGT", 5, 2, {{">r ; 0", "ACGTNN"}, {">r ; 10", "NNACGT"}}},
-      {"ACGTNNNNNNNNACGT", 5, 0, {{">r ; 0", "ACGT"}, {">r ; 12", "ACGT"}}},
-      {"AANNNNNNCCNNGGNNNNNNNTT",
-       3,
-       1,
-       {{">r ; 0", "AAN"}, {">r ; 7", "NCCNNGGN"}, {">r ; 20", "NTT"}}},
+      {"ACGTNNNNNNNNACGT", 5, 0, "0 ACGT|12 ACGT|"},
+      {"AANNNNNNCCNNGGNNNNNNNTT", 3, 1, "0 AAN|7 NCCNNGGN|20 NTT|"},
       // A run exactly at the maximum stays, one more cuts; 0 or less cuts at every N.
-      {"ACGTNNNNNACGT", 5, 2, {{">r ; 0", "ACGTNNNNNACGT"}}},
-      {"ACGTNNNNNNACGT", 5, 2, {{">r ; 0", "ACGTNN"}, {">r ; 8", "NNACGT"}}},
-      {"ANC", 0, 0, {{">r ; 0", "A"}, {">r ; 2", "C"}}},
-      {"ANC", -4, 0, {{">r ; 0", "A"}, {">r ; 2", "C"}}},
+      {"ACGTNNNNNACGT", 5, 2, "0 ACGTNNNNNACGT|"},
+      {"ACGTNNNNNNACGT", 5, 2, "0 ACGTNN|8 NNACGT|"},
+      {"ANC", 0, 0, "0 A|2 C|"},
+      {"ANC", -4, 0, "0 A|2 C|"},
       // Leading and trailing runs shrink to the margin whatever their length.
-      {"NNNNNACGTNNNNNNN", 100, 2, {{">r ; 3", "NNACGTNN"}}},
-      {"NNNNNACGTNNNNNNN", 100, 0, {{">r ; 5", "ACGT"}}},
-      {"NACGTN", 100, 0, {{">r ; 1", "ACGT"}}},
-      {"A", 1, 0, {{">r ; 0", "A"}}},
-      // Margins larger than runs stop at the sequence ends; an inner margin wider than the run
-      // reaches into the letters beyond it, so the pieces overlap.
-      {"NNNACGTNN", 1, 10, {{">r ; 0", "NNNACGTNN"}}},
-      {"AAAANNNNNNCCCC", 1, 8, {{">r ; 0", "AAAANNNNNNCC"}, {">r ; 2", "AANNNNNNCCCC"}}},
-      {"ANNT", 1, 5, {{">r ; 0", "ANNT"}, {">r ; 0", "ANNT"}}},
-      {"ANNT", 1, 2147483647, {{">r ; 0", "ANNT"}, {">r ; 0", "ANNT"}}},
-      {"NNACGTNNNNNNACGTNN", 3, -2, {{">r ; 2", "ACGT"}, {">r ; 12", "ACGT"}}},
+      {"NNNNNACGTNNNNNNN", 100, 2, "3 NNACGTNN|"},
+      {"NACGTN", 100, 0, "1 ACGT|"},
+      // Margins stop at the sequence ends; an inner margin wider than the run reaches into the
+      // letters beyond it, so the pieces overlap; a negative margin keeps nothing.
+      {"NNNACGTNN", 1, 10, "0 NNNACGTNN|"},
+      {"AAAANNNNNNCCCC", 1, 8, "0 AAAANNNNNNCC|2 AANNNNNNCCCC|"},
+      {"ANNT", 1, 2147483647, "0 ANNT|0 ANNT|"},
+      {"NNACGTNNNNNNACGTNN", 3, -2, "2 ACGT|12 ACGT|"},
       // Nothing but N gives no piece.
-      {"", 5, 2, {}},
-      {"N", 5, 2, {}},
-      {std::string(1000, 'N'), 5, 2, {}},
-      // The label is kept as it is, with the offset appended.
-      {"NAC", 5, 0, {{">chr1 x\r ; 1", "AC"}}, ">chr1 x\r"},
-      {"NAC", 5, 0, {{" ; 1", "AC"}}, ""},
+      {"", 5, 2, ""},
+      {std::string(1000, 'N'), 5, 2, ""},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.sequence.substr(0, 30) + " " + std::to_string(c.maxRun) + " " +
-                 std::to_string(c.margin));
-    Pieces pieces;
-    for (const SeqRecord& piece : SSeq::SplitAtN({c.label, c.sequence}, c.maxRun, c.margin)) {
-      pieces.emplace_back(piece.label, piece.sequence);
-    }
-    EXPECT_EQ(pieces, c.pieces);
+    EXPECT_EQ(Pieces(c.letters, c.maxRun, c.margin), c.pieces)
+        << c.letters.substr(0, 30) << " " << c.maxRun << " " << c.margin;
   }
 }
 
-// 200 000 cuts in a 2 MB record: copying the rest of the record at each cut would not finish.
-TEST(SplitAtN, ManyCutsInALongRecordTakeOnePass) {
-  std::string sequence;
-  constexpr int kBlocks = 200000;
-  for (int i = 0; i < kBlocks; ++i) sequence += "ACGTNNNNNN";
-  const std::vector<SeqRecord> pieces = SSeq::SplitAtN({">r", sequence}, 3, 1);
-  ASSERT_EQ(pieces.size(), static_cast<std::size_t>(kBlocks));
-  EXPECT_EQ(pieces.front().label, ">r ; 0");
-  EXPECT_EQ(pieces.front().sequence, "ACGTN");
-  EXPECT_EQ(pieces[1].label, ">r ; 9");
-  EXPECT_EQ(pieces[1].sequence, "NACGTN");
-  EXPECT_EQ(pieces.back().label, ">r ; " + std::to_string(10 * (kBlocks - 1) - 1));
-  EXPECT_EQ(pieces.back().sequence, "NACGTN");
-}
-
-TEST(MakeName, JoinsTwoTextsAndTheNumberInDecimal) {
-  EXPECT_EQ(SSeq::MakeName("genome.fa", "_", 3), "genome.fa_3");
-  EXPECT_EQ(SSeq::MakeName(">r", " ; ", 0), ">r ; 0");
-  EXPECT_EQ(SSeq::MakeName("", "", -12), "-12");
-  EXPECT_EQ(SSeq::MakeName("a", "b", 9223372036854775807), "ab9223372036854775807");
-  EXPECT_EQ(SSeq::MakeName("a", "b", -9223372036854775807 - 1), "ab-9223372036854775808");
+// 200 000 cuts in a 2 MB record: scanning the rest of the record at each cut would not finish.
+TEST(PiecesAtN, ManyCutsInALongRecordTakeOnePass) {
+  std::string letters;
+  for (int i = 0; i < 200000; ++i) letters += "ACGTNNNNNN";
+  const std::vector<SSeq::Range> pieces = SSeq::PiecesAtN(letters, 3, 1);
+  ASSERT_EQ(pieces.size(), 200000u);
+  EXPECT_EQ(pieces[1].begin, 9u);
+  EXPECT_EQ(pieces.back().begin, letters.size() - 11);
+  EXPECT_EQ(pieces.back().end, letters.size() - 5);
 }
 
 // Runs --split in a scratch folder on the given FASTA text with base name "out".
 struct SplitRun {
   test::ScratchDir dir;
-  bool ok = false;
-  std::string err;
+  test::Outcome run;
 
-  SplitRun(const std::string& fasta,
-           std::initializer_list<std::pair<std::string_view, std::string_view>> settings) {
+  SplitRun(const std::string& fasta, test::Pairs settings) {
     Param param;
     param.Set("--split", dir.Path("out"));
     param.Set("--seq", dir.Write("in.fa", fasta));
     for (const auto& [key, value] : settings) param.Set(key, value);
     SSeq seq;
-    testing::internal::CaptureStderr();
-    ok = seq.Split(param);
-    err = testing::internal::GetCapturedStderr();
+    run = test::Capture([&] { return seq.Split(param); });
   }
   std::string File(int k) const { return test::ReadFile(dir.Path("out_" + std::to_string(k))); }
   std::size_t FileCount() const {
-    const auto folder = std::filesystem::path(dir.Path("in.fa")).parent_path();
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder),
-                                                  std::filesystem::directory_iterator())) -
-           1;
+    const auto files = std::filesystem::directory_iterator(dir.Path(""));
+    return static_cast<std::size_t>(std::distance(files, {})) - 1;
   }
 };
 
-TEST(Split, ValueClampedToTheSignedRangeIsStillNegative) {
-  const SplitRun huge(">r\nACGT\n", {{"--SPLIT_SIZE", "-99999999999"}});
-  EXPECT_FALSE(huge.ok);
-  EXPECT_EQ(huge.err, "error in value of parameter --SPLIT_SIZE: -99999999999\n");
+TEST(Split, NegativeValues) {
+  const SplitRun huge(">r\nACGT\n", {{"--SPLIT_SIZE", "-99999999999"}});  // clamped, still < 0
+  EXPECT_FALSE(huge.run.ok);
+  EXPECT_EQ(huge.run.err, "error in value of parameter --SPLIT_SIZE: -99999999999\n");
   EXPECT_EQ(huge.FileCount(), 0u);
-}
-
-TEST(Split, NegativeMinimumSkipsEveryRecordButNoPiece) {
-  const SplitRun whole(">a\nACGT\n>b\nAC\n", {{"--MIN_SPLIT_SIZE", "-1"}});
-  EXPECT_TRUE(whole.ok);
-  EXPECT_EQ(whole.FileCount(), 0u);
-  // Pieces of 12 with minimum -5 on 10 letters: the only piece ends at the record's end.
+  // A negative minimum skips every whole record, but no piece.
+  EXPECT_EQ(SplitRun(">a\nACGT\n>b\nAC\n", {{"--MIN_SPLIT_SIZE", "-1"}}).FileCount(), 0u);
   const SplitRun fixed(">a\nACGTACGTAC\n", {{"--SPLIT_SIZE", "12"}, {"--MIN_SPLIT_SIZE", "-5"}});
-  EXPECT_TRUE(fixed.ok);
   EXPECT_EQ(fixed.File(1), ">a SUBSTRING POS_L 1 POS_R 10\nACGTACGTAC\n");
   EXPECT_EQ(fixed.FileCount(), 1u);
-  // With pieces of 4 the last piece is the 2-letter rest.
   const SplitRun rest(">a\nACGTACGTAC\n", {{"--SPLIT_SIZE", "4"}, {"--MIN_SPLIT_SIZE", "-1"}});
   EXPECT_EQ(rest.File(3), ">a SUBSTRING POS_L 9 POS_R 10\nAC\n");
   EXPECT_EQ(rest.FileCount(), 3u);
@@ -147,26 +109,21 @@ TEST(Split, SoftMaskedRunCountRestartsInEachPieceAndAtEveryOtherLetter) {
   const SplitRun lines(">a\n" + masked + "\n", {{"--soft", "1"}, {"--letters_per_line", "1200"}});
   EXPECT_EQ(lines.File(1), ">a\n" + std::string(1000, 'N') + std::string(200, ' ') + "\n" +
                                std::string(300, ' ') + "\n");
-
   // Capitals, N and n (read as N) end a run; u is read as t and belongs to it.
   const std::string text = std::string(999, 'a') + "u" + "c" + "A" + std::string(1001, 't') + "n" +
                            std::string(1001, 'c');
-  const SplitRun whole(">b\n" + text + "\n", {{"--soft", "1"}});
   const std::string expected = std::string(1000, 'N') + " " + "A" + std::string(1000, 'N') + " " +
                                "N" + std::string(1000, 'N') + " ";
-  EXPECT_EQ(whole.File(1), ">b\n" + expected + "\n");
-
-  // Long stretches of capitals between two runs end the first run too, wherever it ends.
+  EXPECT_EQ(SplitRun(">b\n" + text + "\n", {{"--soft", "1"}}).File(1), ">b\n" + expected + "\n");
+  // Eight capitals in a row end a run too, wherever the run ends against the 8-byte blocks.
   const std::string capitals = "ACGTNACGTNACGTNACGTNACGT";
   for (std::size_t length = 993; length <= 1000; ++length) {
     const std::string run(length, 'a');
-    const SplitRun apart(">c\n" + run + capitals + run + "\n", {{"--soft", "1"}});
     const std::string masked(length, 'N');
-    EXPECT_EQ(apart.File(1), ">c\n" + masked + capitals + masked + "\n") << length;
+    EXPECT_EQ(SplitRun(">c\n" + run + capitals + run + "\n", {{"--soft", "1"}}).File(1),
+              ">c\n" + masked + capitals + masked + "\n")
+        << length;
   }
-  // Without --soft lower case is read as capitals, however long the run.
-  const SplitRun plain(">a\n" + std::string(1200, 'a') + "\n", {});
-  EXPECT_EQ(plain.File(1), ">a\n" + std::string(1200, 'A') + "\n");
 }
 
 }  // namespace
