@@ -69,6 +69,11 @@ bool IsKeyStart(std::string_view text, std::size_t pos, std::string_view prefix,
   return after == text.size() || separators.find(text[after]) == std::string_view::npos;
 }
 
+// The value of a key as found, the empty text for an absent one.
+std::string_view OrEmpty(const std::string* value) {
+  return value != nullptr ? std::string_view(*value) : std::string_view();
+}
+
 }  // namespace
 
 bool Param::Init(int argc, const char* const* argv) {
@@ -161,10 +166,6 @@ std::string Param::ValueOrEmpty(std::string_view key) const {
   return value != nullptr ? *value : std::string();
 }
 
-const std::string& Param::Insert(std::string_view key) {
-  return pairs_.try_emplace(std::string(key)).first->second;
-}
-
 const std::string* Param::Lookup(std::string_view key, Need need) const {
   const std::string* value = Find(key);
   if (value == nullptr && need == Need::kRequired) PrintError({"error: missing parameter ", key});
@@ -255,45 +256,43 @@ bool Param::GetOpt(double& target, std::string_view key) {
   return true;
 }
 
-// Value checks.
+// Value checks: an absent key is judged as the empty value.
 
-bool Param::IsWord(std::string_view key) {
-  const std::string& value = Insert(key);
-  if (!value.empty() && value.find_first_of(kBlanks) == std::string::npos) return true;
+bool Param::IsWord(std::string_view key) const {
+  const std::string_view value = OrEmpty(Find(key));
+  if (!value.empty() && value.find_first_of(kBlanks) == std::string_view::npos) return true;
   ReportBadValue(key);
   return false;
 }
 
-bool Param::IsNumber(std::string_view key) {
-  if (HoldsOnly(Insert(key), kNumberChars)) return true;
+bool Param::IsNumber(std::string_view key) const {
+  if (HoldsOnly(OrEmpty(Find(key)), kNumberChars)) return true;
   ReportBadValue(key);
   ReportBadValue(key);
   return false;
 }
 
-bool Param::IsNonNegative(std::string_view key) {
+bool Param::IsNonNegative(std::string_view key) const {
   if (!IsNumber(key)) return false;
-  if (ToReal(Insert(key)) >= 0) return true;
+  if (ToReal(ValueOrEmpty(key)) >= 0) return true;
   ReportBadValue(key);
   return false;
 }
 
-bool Param::IsUnsigned(std::string_view key) {
-  if (HoldsOnly(Insert(key), kUnsignedChars)) return true;
+bool Param::IsUnsigned(std::string_view key) const {
+  if (HoldsOnly(OrEmpty(Find(key)), kUnsignedChars)) return true;
   ReportBadValue(key);
   return false;
 }
 
-bool Param::IsSigned(std::string_view key) {
-  if (HoldsOnly(Insert(key), kSignedChars)) return true;
+bool Param::IsSigned(std::string_view key) const {
+  if (HoldsOnly(OrEmpty(Find(key)), kSignedChars)) return true;
   ReportBadValue(key);
   return false;
 }
 
 void Param::ReportBadValue(std::string_view key) const {
-  const std::string* value = Find(key);
-  PrintError({"error in value of parameter ", key, ": ",
-              value != nullptr ? std::string_view(*value) : std::string_view()});
+  PrintError({"error in value of parameter ", key, ": ", OrEmpty(Find(key))});
 }
 
 }  // namespace genetrain

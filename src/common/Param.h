@@ -17,8 +17,8 @@ namespace genetrain {
 // leave the target as it is, so the caller's initial value is the default. A present but
 // malformed value is an error for both. The target changes only on success.
 //
-// The value checks (IsWord ... IsSigned) look the key up with insertion: on an absent key they
-// add it with an empty value and judge that. The getters never insert.
+// The value checks (IsWord ... IsSigned) judge an absent key as the empty value. Neither they nor
+// the getters ever change the store.
 class Param {
  public:
   // Filling the store.
@@ -54,11 +54,11 @@ class Param {
 
   // Value checks; each prints the bad-value message on failure (IsNumber twice, IsNonNegative
   // twice for a bad character and once for a negative value).
-  bool IsWord(std::string_view key);
-  bool IsNumber(std::string_view key);
-  bool IsNonNegative(std::string_view key);
-  bool IsUnsigned(std::string_view key);
-  bool IsSigned(std::string_view key);
+  bool IsWord(std::string_view key) const;
+  bool IsNumber(std::string_view key) const;
+  bool IsNonNegative(std::string_view key) const;
+  bool IsUnsigned(std::string_view key) const;
+  bool IsSigned(std::string_view key) const;
   void ReportBadValue(std::string_view key) const;
 
  private:
@@ -66,7 +66,6 @@ class Param {
 
   // The value of a present key, or null; a missing required key is reported here.
   const std::string* Lookup(std::string_view key, Need need) const;
-  const std::string& Insert(std::string_view key);
   bool ReadText(std::string& target, std::string_view key, Need need) const;
   bool ReadWord(std::string& target, std::string_view key, Need need);
   bool ReadBool(bool& target, std::string_view key, Need need);

@@ -18,31 +18,18 @@ namespace {
 
 // The two file names and the order, checked in this order; the misspelt messages are part of
 // the output that scripts see.
+bool Missing(std::string_view message, std::string_view key) {
+  PrintError({message, key});
+  return false;
+}
+
 bool CheckChainOptions(Param& param, int& order) {
-  if (!param.Has("--chain_cod")) {
-    PrintError({"error, key missing ", "--chain_cod"});
-    return false;
+  if (!param.Has("--chain_cod") || !param.IsWord("--chain_cod")) {
+    return Missing("error, key missing ", "--chain_cod");
   }
-  if (!param.IsWord("--chain_cod")) {
-    PrintError({"error, key missing ", "--chain_cod"});
-    return false;
-  }
-  if (!param.IsWord("--chain_non")) {
-    PrintError({"error, key missing ", "--chain_non"});
-    return false;
-  }
-  if (!param.IsWord("--chain_non")) {
-    PrintError({"erorr, file name missing ", "--chain_non"});
-    return false;
-  }
-  if (!param.Has("--order")) {
-    PrintError({"error, key missing ", "--order"});
-    return false;
-  }
-  if (!param.IsUnsigned("--order")) {
-    PrintError({"erorr, key value missing ", "--order"});
-    return false;
-  }
+  if (!param.IsWord("--chain_non")) return Missing("error, key missing ", "--chain_non");
+  if (!param.Has("--order")) return Missing("error, key missing ", "--order");
+  if (!param.IsUnsigned("--order")) return Missing("erorr, key value missing ", "--order");
   std::uint32_t value = 0;
   param.GetOpt(value, "--order");
   order = static_cast<int>(std::min<std::uint32_t>(value, std::numeric_limits<int>::max()));

@@ -73,8 +73,8 @@ bool SetChainEntries(Report& report, const MkChain& coding, const MkChain* secon
 }
 
 bool BuildFromGenome(Report& report, Param& param) {
-  std::uint32_t order = 0;
-  if (!param.Get(order, "--ORDM")) return false;
+  std::uint32_t order = 0;  // checked by the validation; absent reads as empty, that is 0
+  if (!param.GetOpt(order, "--ORDM")) return false;
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, false)) return false;
@@ -126,7 +126,7 @@ bool BuildFromFiles(Report& report, Param& param) {
   std::uint32_t order = 0;
   std::string codName;
   std::string nonName;
-  if (!param.Get(order, "--ORDM") || !param.GetWord(codName, "--cod") ||
+  if (!param.GetOpt(order, "--ORDM") || !param.GetWord(codName, "--cod") ||
       !param.GetWord(nonName, "--non")) {
     return false;
   }

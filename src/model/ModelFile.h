@@ -24,8 +24,8 @@ inline constexpr std::array<std::string_view, 25> kModelOptions = {
 
 // Checks the scalar values (PHMM ... CD2P) of a parameter set by their rules, in file order,
 // stopping at the first bad value (reported by the store); then requires --COD1, --COD2 and
-// --NONC to be present (their absence fails without a message). The checks add absent scalar
-// keys with an empty value.
+// --NONC to be present (their absence fails without a message). An absent scalar is judged as
+// the empty value: a word fails, a number passes.
 bool ValidateModel(Param& param);
 
 // Fills the 14 scalar entries (PHMM, NAME, ORDM, TAA_ ... CD2P) from the parameters, sets the

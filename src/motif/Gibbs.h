@@ -32,10 +32,9 @@ class Gibbs : public Report {
   // kNumMotifs when one of the first eleven lines begins with "Gibbs", else kMotif; kUnreadable,
   // with its message, when the file cannot be read.
   GibbsLayout DetectLayout(const std::string& name);
-  // Append the sites and start positions found in the file; warnings about odd lines go to
-  // standard output. False only when the file cannot be read.
-  bool ParseMotifLayout(const std::string& name);
-  bool ParseNumMotifsLayout(const std::string& name);
+  // Append the sites and start positions found in a file of the given layout; warnings about
+  // odd lines go to standard output. False only when the file cannot be read.
+  bool ParseLayout(const std::string& name, GibbsLayout layout);
   // DetectLayout, then the parser of that layout.
   bool Parse(const std::string& name);
 

@@ -114,6 +114,42 @@ bool SiteOf(const std::string_view* t, bool full, std::string_view& site) {
   return true;
 }
 
+enum class LineKind { kSkip, kEnd, kSite };
+
+// The motif layout lists its sites under "MOTIF A" and ends at the "sites:" summary or the first
+// line with parentheses.
+LineKind MotifLineKind(std::string_view line, bool& /*started*/) {
+  if (IsBlankLine(line) || line.find("MOTIF A") != std::string_view::npos) return LineKind::kSkip;
+  if (line.find("sites:") != std::string_view::npos ||
+      line.find_first_of("()") != std::string_view::npos) {
+    return LineKind::kEnd;
+  }
+  return LineKind::kSite;
+}
+
+// The other layout starts after its "Num Motifs" line and ends at a line starting with '*'.
+LineKind NumMotifsLineKind(std::string_view line, bool& started) {
+  if (!started) {
+    started = line.starts_with("Num Motifs");
+    return LineKind::kSkip;
+  }
+  if (IsBlankLine(line)) return LineKind::kSkip;
+  return line[line.find_first_not_of(" \t")] == '*' ? LineKind::kEnd : LineKind::kSite;
+}
+
+// How one layout's lines are told apart and cut into tokens; a site line holds `fullCount`
+// tokens, or one fewer when a flank is missing.
+struct LayoutRules {
+  LineKind (*kind)(std::string_view line, bool& started);
+  std::string_view separators;
+  std::size_t limit;
+  bool stopAtF;
+  std::size_t fullCount;
+};
+
+constexpr LayoutRules kMotifRules{MotifLineKind, "- \t", 8, false, 7};
+constexpr LayoutRules kNumMotifsRules{NumMotifsLineKind, ", \t", kMaxTokens, true, 8};
+
 }  // namespace
 
 void Gibbs::TakeSiteLine(std::string_view line, const std::string_view* tokens, bool full,
@@ -139,29 +175,9 @@ GibbsLayout Gibbs::DetectLayout(const std::string& name) {
   return GibbsLayout::kMotif;
 }
 
-bool Gibbs::ParseMotifLayout(const std::string& name) {
-  std::string text;
-  if (!LoadText(name, text)) return false;
-  std::string warnings;
-  Lines lines(text);
-  std::string_view line;
-  Tokens tokens;
-  while (lines.Next(line)) {
-    if (IsBlankLine(line) || line.find("MOTIF A") != std::string_view::npos) continue;
-    if (line.find("sites:") != std::string_view::npos) break;
-    if (line.find_first_of("()") != std::string_view::npos) break;
-    const std::size_t count = Split(line, "- \t", 8, false, tokens);
-    if (count == 6 || count == 7) {
-      TakeSiteLine(line, tokens.data(), count == 7, warnings);
-    } else {
-      AppendWarning(warnings, "warning: unexpected line in gibbs paring: ", line);
-    }
-  }
-  WriteStdout(warnings);
-  return true;
-}
-
-bool Gibbs::ParseNumMotifsLayout(const std::string& name) {
+bool Gibbs::ParseLayout(const std::string& name, GibbsLayout layout) {
+  if (layout == GibbsLayout::kUnreadable) return false;
+  const LayoutRules& rules = layout == GibbsLayout::kNumMotifs ? kNumMotifsRules : kMotifRules;
   std::string text;
   if (!LoadText(name, text)) return false;
   std::string warnings;
@@ -170,15 +186,12 @@ bool Gibbs::ParseNumMotifsLayout(const std::string& name) {
   Tokens tokens;
   bool started = false;
   while (lines.Next(line)) {
-    if (!started) {
-      started = line.starts_with("Num Motifs");
-      continue;
-    }
-    if (IsBlankLine(line)) continue;
-    if (line[line.find_first_not_of(" \t")] == '*') break;
-    const std::size_t count = Split(line, ", \t", kMaxTokens, true, tokens);
-    if (count == 7 || count == 8) {
-      TakeSiteLine(line, tokens.data(), count == 8, warnings);
+    const LineKind kind = rules.kind(line, started);
+    if (kind == LineKind::kEnd) break;
+    if (kind == LineKind::kSkip) continue;
+    const std::size_t count = Split(line, rules.separators, rules.limit, rules.stopAtF, tokens);
+    if (count == rules.fullCount || count + 1 == rules.fullCount) {
+      TakeSiteLine(line, tokens.data(), count == rules.fullCount, warnings);
     } else {
       AppendWarning(warnings, "warning: unexpected line in gibbs paring: ", line);
     }
@@ -187,16 +200,9 @@ bool Gibbs::ParseNumMotifsLayout(const std::string& name) {
   return true;
 }
 
+// DetectLayout has reported an unreadable file.
 bool Gibbs::Parse(const std::string& name) {
-  switch (DetectLayout(name)) {
-    case GibbsLayout::kMotif:
-      return ParseMotifLayout(name);
-    case GibbsLayout::kNumMotifs:
-      return ParseNumMotifsLayout(name);
-    case GibbsLayout::kUnreadable:
-      break;
-  }
-  return false;  // DetectLayout has reported why
+  return ParseLayout(name, DetectLayout(name));
 }
 
 }  // namespace genetrain

@@ -279,18 +279,6 @@ TEST(ParamGetters, Numbers) {
   }
 }
 
-TEST(ParamGetters, ChecksInsertAnAbsentKey) {
-  Param param;
-  EXPECT_TRUE(param.IsNumber("--n"));
-  EXPECT_TRUE(param.IsNonNegative("--nn"));
-  EXPECT_TRUE(param.IsUnsigned("--u"));
-  EXPECT_TRUE(param.IsSigned("--s"));
-  CaptureStderr();
-  EXPECT_FALSE(param.IsWord("--w"));
-  EXPECT_EQ(GetCapturedStderr(), BadValue("--w", ""));
-  ExpectHolds(param, "--n \n--nn \n--s \n--u \n--w \n");
-}
-
 TEST(ParamGetters, BadValueShowsTheValueByteForByte) {
   Param param;
   param.Set("--x", std::string("a\0b", 3));

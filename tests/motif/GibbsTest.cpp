@@ -137,7 +137,8 @@ TEST(GibbsParse, SitesStartsAndWarningsOfBothLayouts) {
     const std::string name = dir.Write("gibbs.out", c.text);
     Gibbs gibbs;
     CaptureStdout();
-    EXPECT_TRUE(c.numMotifs ? gibbs.ParseNumMotifsLayout(name) : gibbs.ParseMotifLayout(name));
+    EXPECT_TRUE(c.numMotifs ? gibbs.ParseLayout(name, GibbsLayout::kNumMotifs)
+                            : gibbs.ParseLayout(name, GibbsLayout::kMotif));
     EXPECT_EQ(GetCapturedStdout(), c.out);
     ASSERT_EQ(gibbs.sites.size(), gibbs.positions.size());
     std::string sites;
