@@ -98,7 +98,6 @@ void AppendSequenceEntry(std::string& text, const CodeSeq& codes, Interior span,
   AppendBases(text, codes, span, strand == Strand::kReverse);
 }
 
-// The output file is the value of the command key itself; empty (or absent) = standard output.
 // ORFs per million bases, in the stream's general notation with six significant digits.
 std::string Density(std::size_t orfs, std::uint64_t bases) {
   const double density = static_cast<double>(orfs) * 1000000.0 / static_cast<double>(bases);

@@ -101,19 +101,5 @@ TEST(GeneSetTokens, ReadCountTakesPlainDecimalsThatFit) {
   EXPECT_EQ(tokens, (std::vector<std::string_view>{"a", "b", "c"}));
 }
 
-TEST(GeneSetStat, ReportsDisorderAndMissingStrands) {
-  GeneSet set;
-  const std::string text =
-      "a + 1 300 300 1\nb + 10 99 90 1\n"  // b inside a: out of order
-      "x * 1 3 3 1\n"                      // no strand, coordinates -1
-      "c - 400 498 99 1\nd + 450 548 99 1\ne + 600 698 99 1\nf - 700 798 99 1\n";
-  set.Parse(text.data(), text.data() + text.size());
-  EXPECT_EQ(set.StatText(),
-            "0 9 299 98 check input data\n"
-            "9 -1 98 -1 check input data\n"
-            "no direction set for gene\n"
-            "1 0 1 0 0 1 \n");
-}
-
 }  // namespace
 }  // namespace genetrain

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace genetrain {
 namespace {
@@ -38,6 +39,13 @@ TEST(ReverseComplementCodon, MatchesTheReverseComplementOfTheLetters) {
     }
   }
   EXPECT_EQ(index("ATG"), 14u);  // the index the model files and the ORF search use
+  // The named codons are the codons their names spell.
+  const std::pair<unsigned, std::string_view> named[] = {
+      {kCodonATG, "ATG"}, {kCodonGTG, "GTG"}, {kCodonTTG, "TTG"}, {kCodonCTG, "CTG"},
+      {kCodonTAA, "TAA"}, {kCodonTGA, "TGA"}, {kCodonTAG, "TAG"}};
+  for (const auto& [codon, spelled] : named) EXPECT_EQ(codon, index(spelled)) << spelled;
+  EXPECT_EQ(CodonSet({kCodonTAA, kCodonTGA, kCodonTAG}).ReverseComplemented(),
+            CodonSet({index("TTA"), index("TCA"), index("CTA")}));
 }
 
 }  // namespace
