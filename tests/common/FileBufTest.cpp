@@ -7,7 +7,6 @@
 #include <string>
 #include <thread>
 
-#include "GzipSupport.h"
 #include "TestSupport.h"
 
 namespace genetrain {

@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "GzipSupport.h"
+#include "TestSupport.h"
 
 namespace genetrain {
 namespace {

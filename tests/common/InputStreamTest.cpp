@@ -8,7 +8,6 @@
 #include <string>
 #include <thread>
 
-#include "GzipSupport.h"
 #include "TestSupport.h"
 
 namespace genetrain {
