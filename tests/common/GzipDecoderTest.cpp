@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "GzipSupport.h"
+#include "TestSupport.h"
 
 namespace genetrain {
 namespace {
@@ -47,16 +47,6 @@ std::string RandomText(unsigned seed, std::size_t size) {
   return text;
 }
 
-TEST(GzipDecoder, TellsGzipByItsMagicBytes) {
-  EXPECT_TRUE(GzipDecoder::IsGzip("\x1f\x8b"));
-  EXPECT_TRUE(GzipDecoder::IsGzip(Gzip("ACGT")));
-  EXPECT_FALSE(GzipDecoder::IsGzip(""));
-  EXPECT_FALSE(GzipDecoder::IsGzip("\x1f"));
-  EXPECT_FALSE(GzipDecoder::IsGzip("\x1f\x8c"));
-  EXPECT_FALSE(GzipDecoder::IsGzip("\x8b\x1f"));
-  EXPECT_FALSE(GzipDecoder::IsGzip(">seq\nACGT\n"));
-}
-
 // However the data are cut into pieces, in and out, the same text comes out.
 TEST(GzipDecoder, PiecesOfAnySizeGiveTheSameText) {
   for (const std::size_t size :
@@ -74,18 +64,6 @@ TEST(GzipDecoder, PiecesOfAnySizeGiveTheSameText) {
       }
     }
   }
-}
-
-// Files joined with cat decode as the joined texts; empty members add nothing.
-TEST(GzipDecoder, JoinedMembersGiveTheJoinedTexts) {
-  const std::string a = ">a\nACGT\n", b = RandomText(2, 100000), c = ">c\nnnn";
-  const std::string joined = Gzip(a) + Gzip("") + Gzip(b, 1) + Gzip(c) + Gzip("");
-  EXPECT_EQ(Decode(joined).text, a + b + c);
-  EXPECT_EQ(Decode(joined).fault, Fault::kNone);
-  EXPECT_EQ(Decode(joined, 5, 11).text, a + b + c);
-  const Decoded empty = Decode(Gzip("") + Gzip(""));
-  EXPECT_EQ(empty.text, "");
-  EXPECT_EQ(empty.fault, Fault::kNone);
 }
 
 // Cut anywhere, from the header to the last byte of the trailer: truncated, and what came out

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "TestSupport.h"
@@ -84,9 +85,7 @@ TEST(ParamGrammar, CommandLine) {
       {{}, {true, ""}},
       {{"", " "}, {true, ""}},
       // A lone double dash fails when a separator follows it.
-      {{"--", "--stat"}, {false, "", error}},
       {{"--stat", "--"}, {false, "", error}},
-      {{"--seq", "my--genome.fa", "--stat"}, {false, "", error}},
   };
   for (const auto& [args, expected] : cases) {
     SCOPED_TRACE(testing::PrintToString(args));
@@ -120,69 +119,36 @@ TEST(ParamGrammar, TextWithPrefixAndSeparators) {
   }
 }
 
-// Comments, parameter files and the command line over the --par file.
-
-TEST(ParamFile, CommentRunsToTheNextLineEndWhereverItStands) {
-  std::string text = "--NAME a#b c\n--seq#x\r--ORDM 5 # five\n#";
-  Param::StripComments(text);
-  EXPECT_EQ(text, "--NAME a    \n--seq  \r--ORDM 5       \n ");
-  Param param;
-  ASSERT_TRUE(param.ParseText(text, "--", " \t\n\r"));
-  ExpectHolds(param, "--NAME a\n--ORDM 5\n--seq \n");
-}
-
-TEST(ParamFile, LineStructureHasNoMeaningAndLoadClearsTheStore) {
-  test::ScratchDir dir;
-  Param param;
-  ASSERT_TRUE(param.LoadFile(dir.Write(
-      "a.par", "# model settings\r\n\r\n--seq\r\n   genome.fa --ORDM 5 --NAME \"E coli\"\n")));
-  ExpectHolds(param, "--NAME E coli\n--ORDM 5\n--seq genome.fa\n");
-  ASSERT_TRUE(param.Load("--COD1 0.1#2\n--NAME x"));  // keeps hashes
-  ExpectHolds(param, "--COD1 0.1#2\n--NAME x\n");
-  EXPECT_FALSE(param.Load("junk --NAME x"));
-}
-
+// The command line goes over the --par file, whose own --par is overwritten, never read; each
+// Init starts afresh.
 TEST(ParamFile, InitPutsTheCommandLineOverTheParameterFile) {
   test::ScratchDir dir;
   const std::string path = dir.Write("run.par", "--ORDM 3\n--NAME file\n--par other.par\n");
   Param param;
   param.Set("--stale", "1");
   ASSERT_TRUE(ParseArgs(param, {"--ORDM", "5", "--par", path, "--seq", "g.fa"}, true));
-  // The inner --par is overwritten, never read.
   ExpectHolds(param, "--NAME file\n--ORDM 5\n--par " + path + "\n--seq g.fa\n");
   ASSERT_TRUE(ParseArgs(param, {"--stat", "x"}, true));
   ExpectHolds(param, "--stat x\n");
-
-  Param base, top;
-  base.Set("--a", "1");
-  base.Set("--b", "2");
-  top.Set("--b", "3");
-  top.Set("--c", "");
-  base.Merge(top);
-  ExpectHolds(base, "--a 1\n--b 3\n--c \n");
 }
 
 // Getters and checks. Each case runs one getter from a target's starting value on a store
 // where --k holds the value (or is absent), and shows "ok" or "fail", the target afterwards and
 // what went to standard error.
 
-std::string Show(const std::string& value) {
-  return "'" + value + "'";
-}
-std::string Show(bool value) {
-  return value ? "true" : "false";
-}
-std::string Show(std::uint32_t value) {
-  return std::to_string(value);
-}
-std::string Show(std::int32_t value) {
-  return std::to_string(value);
-}
-std::string Show(double value) {
-  if (value == 0) value = 0;  // either zero
-  char text[64];
-  std::snprintf(text, sizeof text, "%.17g", value);
-  return text;
+template <typename T>
+std::string Show(T value) {
+  if constexpr (std::is_same_v<T, std::string>) {
+    return "'" + value + "'";
+  } else if constexpr (std::is_same_v<T, bool>) {
+    return value ? "true" : "false";
+  } else if constexpr (std::is_same_v<T, double>) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.17g", value == 0 ? 0.0 : value);  // either zero
+    return text;
+  } else {
+    return std::to_string(value);
+  }
 }
 
 constexpr const char* kAbsent = nullptr;
@@ -212,9 +178,7 @@ TEST(ParamGetters, TextAndWords) {
       {Got(GETTER(GetWord), def, "a b"), "fail 'default' " + BadValue("--k", "a b")},
       {Got(GETTER(GetOptWord), def, ""), "fail 'default' " + BadValue("--k", "")},
       {Got(GETTER(GetOptWord), def, "a\tb"), "fail 'default' " + BadValue("--k", "a\tb")},
-      {Got(GETTER(GetOptWord), def, "a\nb"), "fail 'default' " + BadValue("--k", "a\nb")},
       {Got(GETTER(GetOptWord), def, "a\rb"), "fail 'default' " + BadValue("--k", "a\rb")},
-      {Got(GETTER(GetWord), def, kAbsent), "fail 'default' " + missing},
       {Got(GETTER(GetOptWord), def, kAbsent), "ok 'default' "},
       {Got(GETTER(GetWord), def, "genome.fa"), "ok 'genome.fa' "},
   };

@@ -10,27 +10,6 @@
 namespace genetrain {
 namespace {
 
-// --clean writes both copies in one pass, unless they name the same file: that then holds the
-// masked copy, written last, as when the copies are written one after the other.
-TEST(Clean, SameFileUnderTwoNamesEndsWithTheMaskedCopy) {
-  test::ScratchDir dir;
-  const std::string fasta = dir.Write("in.fa", ">a\nACGT\n>b\nGGNNNNCC\n");
-  const auto run = [&](const std::string& clean, const std::string& masked) {
-    return test::RunCommand(&SSeq::Clean, {{"--seq", fasta},
-                                           {"--out_clean", clean},
-                                           {"--out_masked", masked},
-                                           {"--GAP_FILLER", "TTT"},
-                                           {"--REPLACE_N_STRING", "1"},
-                                           {"--LEFT_GAP_FILLER", "A"},
-                                           {"--RIGHT_GAP_FILLER", "C"}});
-  };
-  EXPECT_TRUE(run(dir.Path("c.txt"), dir.Path("m.txt")).ok);
-  EXPECT_EQ(test::ReadFile(dir.Path("c.txt")), "ACGTTTTGGANNCCC");
-  EXPECT_EQ(test::ReadFile(dir.Path("m.txt")), "ACGTNNNGGNNNNCC");
-  EXPECT_TRUE(run(dir.Path("alias.txt"), dir.Path(".") + "/alias.txt").ok);
-  EXPECT_EQ(test::ReadFile(dir.Path("alias.txt")), "ACGTNNNGGNNNNCC");
-}
-
 TEST(CleanJoin, ReportTellsTheLengthOfTheTrimmedText) {
   test::ScratchDir dir;
   const std::string fasta = dir.Write("in.fa", ">a\nACNNNNNNGT\n>b\nNNNN\n>c\nNNA\n");

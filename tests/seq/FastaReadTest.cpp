@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "seq/FastaScanner.h"
 #include "seq/SeqRecord.h"
 #include "seq/VSeq.h"
 
@@ -44,17 +43,6 @@ TEST(FastaRead, LabelsAndSequencesInEachView) {
     for (const SeqRecord& record : records) read += record.label + "=" + record.sequence + "|";
     EXPECT_EQ(read, c.read) << c.content;
   }
-}
-
-TEST(FastaScanner, LongLabelAndLongLineAreViewsIntoTheText) {
-  const std::string label = ">" + std::string(1 << 20, 'x');
-  const std::string text = label + "\n" + std::string(3 << 20, 'a');
-  FastaScanner scanner(text);
-  FastaSpan span;
-  ASSERT_TRUE(scanner.Next(span));
-  EXPECT_EQ(span.label.size(), label.size());
-  EXPECT_EQ(span.body.data(), text.data() + label.size());
-  EXPECT_FALSE(scanner.Next(span));
 }
 
 std::string Codes(const CodeSeq& codes) {

@@ -179,20 +179,5 @@ TEST(RecordJoiner, FillerBetweenRecordsKeptAndTallies) {
   }
 }
 
-TEST(RecordJoiner, FeedsEveryOutputWithItsFillerAndCountsWithoutAny) {
-  const char* const raw[] = {"ac\ngt\n", "nnn\n", "12 g-u\r\n", "RY"};
-  JoinedFile clean, masked;
-  RecordJoiner joiner("xy", 1);
-  joiner.AddOutput(clean.text);
-  joiner.AddOutput(masked.text, true);
-  for (const char* record : raw) joiner.Add(record);
-  EXPECT_EQ(clean.Finish(), "ACGTxyGT");
-  EXPECT_EQ(masked.Finish(), "ACGTNNGT");
-  RecordJoiner counting("xy", 1);
-  for (const char* record : raw) counting.Add(record);
-  EXPECT_EQ(counting.Length(), 8u);
-  EXPECT_EQ(counting.KeptRecords(), 2u);
-}
-
 }  // namespace
 }  // namespace genetrain
