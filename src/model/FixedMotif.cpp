@@ -7,6 +7,7 @@
 #include "common/Message.h"
 #include "common/Output.h"
 #include "model/ModelBuild.h"
+#include "model/ModelFile.h"
 #include "motif/PositionMatrix.h"
 #include "seq/LetterTables.h"
 
@@ -107,10 +108,10 @@ bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const Gene
   if (!CountMatrix(genome.pre_start, options.pseudocount, matrix)) return false;
 
   const std::uint32_t precision = Precision(options.precision);
-  report.SetInt("--RBSS", "RBSS ", std::int64_t{options.width} - 3);
-  report.Set("--RBSM", "RBSM \n", ModelMatrix(matrix, options.upstream, precision));
-  report.SetInt("--RBSL", "RBSL ", std::int64_t{options.upstream} + 3 - options.width);
-  report.Set("--RBSD", "RBSD ", "1");
+  SetSection(report, Section("RBSS"), std::int64_t{options.width} - 3);
+  SetSection(report, Section("RBSM"), ModelMatrix(matrix, options.upstream, precision));
+  SetSection(report, Section("RBSL"), std::int64_t{options.upstream} + 3 - options.width);
+  SetSection(report, Section("RBSD"), "1", Placement::kOnKeyLine);
 
   // The log is a file of its own, appended to: the matrix and the end of line that closes it.
   const std::string log = param.ValueOrEmpty("--log");

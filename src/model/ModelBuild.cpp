@@ -17,15 +17,21 @@ namespace genetrain {
 
 namespace {
 
-constexpr std::array<std::pair<const char*, unsigned>, 4> kStartCodons = {
-    {{"ATG_", kCodonATG}, {"GTG_", kCodonGTG}, {"TTG_", kCodonTTG}, {"CTG_", kCodonCTG}}};
-
-std::string Option(std::string_view key) {
-  return std::string("--").append(key);
+// The codon a start codon section is named after: "ATG_" stands for ATG.
+unsigned CodonOf(const ModelSection& section) {
+  const CodeTable& codes = BaseCodeTable();
+  const auto code = [&](std::size_t i) {
+    return codes[static_cast<unsigned char>(section.key[i])];
+  };
+  return CodonIndex(code(0), code(1), code(2));
 }
 
-std::string Label(std::string_view key) {
-  return std::string(key).append(" ");
+// Calls `set` with each start codon section and its codon.
+template <typename Set>
+void ForEachStartSection(Set set) {
+  for (const ModelSection& section : kModelSections) {
+    if (section.source == SectionSource::kStartCodon) set(section, CodonOf(section));
+  }
 }
 
 // The non-coding chain is the independent-letters model when --RANDOM_NONCOD reads as a non-zero
@@ -43,17 +49,15 @@ bool ReadRandomGc(Param& param, double& gc) {
 
 // A start codon whose option reads as zero is no start: its entry repeats the option's text.
 void SetStartEntries(Report& report, const Genome& genome, const Param& param) {
-  for (const auto& [key, codon] : kStartCodons) {
-    const std::string value = param.ValueOrEmpty(Option(key));
-    if (std::atof(value.c_str()) == 0) {
-      report.Set(Option(key), Label(key), value);
-      continue;
+  ForEachStartSection([&](const ModelSection& section, unsigned codon) {
+    std::string value = param.ValueOrEmpty(section.option);
+    if (std::atof(value.c_str()) != 0) {
+      const double estimate = genome.start_probs.empty() ? 0.0 : genome.start_probs[codon];
+      value.clear();
+      AppendFixedPoint(value, estimate, genome.start_precision);
     }
-    std::string probability;
-    const double estimate = genome.start_probs.empty() ? 0.0 : genome.start_probs[codon];
-    AppendFixedPoint(probability, estimate, genome.start_precision);
-    report.Set(Option(key), Label(key), std::move(probability));
-  }
+    SetSection(report, section, std::move(value));
+  });
 }
 
 // The COD1, COD2 and NONC entries; COD2 repeats COD1 without a second coding chain. False, with
@@ -66,9 +70,9 @@ bool SetChainEntries(Report& report, const MkChain& coding, const MkChain* secon
   if (!secondText) return false;
   std::optional<std::string> nonCodingText = nonCoding.ToText();
   if (!nonCodingText) return false;
-  report.Set("--COD1", "COD1 ", *codingText);
-  report.Set("--COD2", "COD2 ", std::move(*secondText));
-  report.Set("--NONC", "NONC ", std::move(*nonCodingText));
+  SetSection(report, Section("COD1"), *codingText);
+  SetSection(report, Section("COD2"), std::move(*secondText));
+  SetSection(report, Section("NONC"), std::move(*nonCodingText));
   return true;
 }
 
@@ -152,9 +156,9 @@ bool BuildFromFiles(Report& report, Param& param) {
     return false;
   }
   if (!SetChainEntries(report, codingChain, nullptr, nonChain)) return false;
-  for (const auto& [key, codon] : kStartCodons) {
-    report.Set(Option(key), Label(key), param.ValueOrEmpty(Option(key)));
-  }
+  ForEachStartSection([&](const ModelSection& section, unsigned /*codon*/) {
+    SetSection(report, section, param.ValueOrEmpty(section.option));
+  });
   return true;
 }
 

@@ -13,6 +13,7 @@
 
 #include "common/Format.h"
 #include "common/Message.h"
+#include "model/ModelFile.h"
 #include "motif/PositionMatrix.h"
 
 namespace genetrain {
@@ -217,12 +218,14 @@ std::string Gibbs::DurationText(bool model, std::uint32_t precision) const {
 }
 
 bool Gibbs::WriteModel(const Options& options) {
-  SetInt("--RBSS", "RBSS ", width);
-  Set("--RBSM", "RBSM \n", MatrixText(true, options.precision_matrix));
-  SetInt("--RBSL", "RBSL ", durationLength);
-  Set("--RBSD", "RBSD \n", DurationText(true, options.precision_duration));
+  SetSection(*this, Section("RBSS"), width);
+  SetSection(*this, Section("RBSM"), MatrixText(true, options.precision_matrix));
+  SetSection(*this, Section("RBSL"), durationLength);
+  SetSection(*this, Section("RBSD"), DurationText(true, options.precision_duration));
   ClearRequests();
-  for (const char* key : {"--RBSS", "--RBSM", "--RBSL", "--RBSD"}) Request(key);
+  for (const ModelSection& section : kModelSections) {
+    if (section.source == SectionSource::kRbs) Request(section.option);
+  }
   return Write(options.model, true);
 }
 

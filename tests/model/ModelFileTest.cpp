@@ -111,7 +111,8 @@ TEST(ValidateModel, AbsentScalarsAreJudgedEmpty) {
 
 // Insert-and-search on the growing text, the plain way.
 std::string InsertOneByOne(std::string text) {
-  for (std::string_view key : kModelKeys) {
+  for (const ModelSection& section : kModelSections) {
+    const std::string_view key = section.key;
     const std::size_t pos = text.find(key);
     if (pos != std::string::npos) text.insert(pos, "--");
   }
