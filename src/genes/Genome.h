@@ -56,8 +56,6 @@ class Genome {
   std::uint32_t start_precision = 3;
   std::uint32_t start_pseudocounts = 0;
   std::int32_t seq_length = 0;
-  std::vector<std::int64_t> start_counts;
-  std::vector<double> start_probs;
 };
 
 // Codon indices 16 * b1 + 4 * b2 + b3 of the codons the gene commands name.

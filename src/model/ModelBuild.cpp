@@ -48,13 +48,13 @@ bool ReadRandomGc(Param& param, double& gc) {
 }
 
 // A start codon whose option reads as zero is no start: its entry repeats the option's text.
-void SetStartEntries(Report& report, const Genome& genome, const Param& param) {
+void SetStartEntries(Report& report, const StartCodonEstimate& estimate, std::uint32_t precision,
+                     const Param& param) {
   ForEachStartSection([&](const ModelSection& section, unsigned codon) {
     std::string value = param.ValueOrEmpty(section.option);
     if (std::atof(value.c_str()) != 0) {
-      const double estimate = genome.start_probs.empty() ? 0.0 : genome.start_probs[codon];
       value.clear();
-      AppendFixedPoint(value, estimate, genome.start_precision);
+      AppendFixedPoint(value, estimate.start_probs[codon], precision);
     }
     SetSection(report, section, std::move(value));
   });
@@ -116,8 +116,9 @@ bool BuildFromGenome(Report& report, Param& param) {
     return false;
   }
 
-  EstimateStartCodons(genome);
-  SetStartEntries(report, genome, param);
+  const StartCodonEstimate starts =
+      EstimateStartCodons(genome.cod1, genome.cod2, genome.start_codons, genome.start_pseudocounts);
+  SetStartEntries(report, starts, genome.start_precision, param);
   if (!param.Has("--pre_start")) return true;
   if (!param.Has("--fixmotif") && !genome.WritePreStartFile(seq, set, param)) return false;
   if (param.Has("--PRE_START_WIDTH") && param.Has("--fixmotif")) {
@@ -170,34 +171,36 @@ double GcFraction(const std::vector<CodeSeq>& sequences) {
   return SSeq::GcShare(tally, 1);
 }
 
-void EstimateStartCodons(Genome& genome) {
-  genome.start_counts.assign(64, 0);
-  genome.start_probs.assign(64, 0.0);
-  for (const std::vector<CodeSeq>* list : {&genome.cod1, &genome.cod2}) {
+StartCodonEstimate EstimateStartCodons(const std::vector<CodeSeq>& cod1,
+                                       const std::vector<CodeSeq>& cod2,
+                                       const std::array<bool, 64>& startCodons,
+                                       std::int64_t pseudocount) {
+  StartCodonEstimate estimate{std::vector<std::int64_t>(64, 0), std::vector<double>(64, 0.0)};
+  for (const std::vector<CodeSeq>* list : {&cod1, &cod2}) {
     for (const CodeSeq& sequence : *list) {
       if (sequence.size() < 3 || !IsBase(sequence[0]) || !IsBase(sequence[1]) ||
           !IsBase(sequence[2])) {
         continue;
       }
-      ++genome.start_counts[VSeq::CodonIndex(sequence[0], sequence[1], sequence[2])];
+      ++estimate.start_counts[CodonIndex(sequence[0], sequence[1], sequence[2])];
     }
   }
   std::int64_t total = 0;
   std::int64_t starts = 0;
   for (unsigned codon = 0; codon < 64; ++codon) {
-    if (!genome.start_codons[codon]) continue;
-    total += genome.start_counts[codon];
+    if (!startCodons[codon]) continue;
+    total += estimate.start_counts[codon];
     ++starts;
   }
   if (total == 0) WriteStdout("warning, no start sites in training\n\n");
-  const std::int64_t pseudocount = genome.start_pseudocounts;
   const std::int64_t denominator = starts * pseudocount + total;
-  if (denominator == 0) return;
+  if (denominator == 0) return estimate;
   for (unsigned codon = 0; codon < 64; ++codon) {
-    if (!genome.start_codons[codon]) continue;
-    genome.start_probs[codon] = static_cast<double>(pseudocount + genome.start_counts[codon]) /
-                                static_cast<double>(denominator);
+    if (!startCodons[codon]) continue;
+    estimate.start_probs[codon] = static_cast<double>(pseudocount + estimate.start_counts[codon]) /
+                                  static_cast<double>(denominator);
   }
+  return estimate;
 }
 
 bool RunMkmod(Report& report, Param& param) {

@@ -1,6 +1,8 @@
 #ifndef GENETRAIN_MODEL_MODELBUILD_H
 #define GENETRAIN_MODEL_MODELBUILD_H
 
+#include <array>
+#include <cstdint>
 #include <vector>
 
 #include "common/Param.h"
@@ -11,10 +13,19 @@
 
 namespace genetrain {
 
-// Counts the first codon of every coding training sequence and turns the counts of the genome's
-// start codons into probabilities (pseudocount --START_PSEUDOCOUNTS); prints a warning when no
-// training sequence starts with one.
-void EstimateStartCodons(Genome& genome);
+// The first codons of the coding training sequences, by codon index (64 each).
+struct StartCodonEstimate {
+  std::vector<std::int64_t> start_counts;
+  std::vector<double> start_probs;  // of the start codons only; 0 elsewhere
+};
+
+// Counts the first codon of every sequence of both lists and turns the counts of the start
+// codons into probabilities with the pseudocount; prints a warning when no sequence starts with
+// one.
+StartCodonEstimate EstimateStartCodons(const std::vector<CodeSeq>& cod1,
+                                       const std::vector<CodeSeq>& cod2,
+                                       const std::array<bool, 64>& startCodons,
+                                       std::int64_t pseudocount);
 
 // The (C + G) / (A + C + G + T) fraction of coded sequences; 0 without any of these letters.
 double GcFraction(const std::vector<CodeSeq>& sequences);
