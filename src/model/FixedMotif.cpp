@@ -15,22 +15,6 @@ namespace genetrain {
 
 namespace {
 
-struct MotifOptions {
-  std::uint32_t width = 0;    // bases of the window
-  std::int32_t upstream = 0;  // --PRE_START_WIDTH: bases of the window before the start codon
-  bool intergenic = true;
-  std::int32_t pseudocount = 1;
-  std::int32_t precision = 3;
-};
-
-bool ReadMotifOptions(Param& param, MotifOptions& options) {
-  return param.GetOpt(options.width, "--width") &&
-         param.GetOpt(options.upstream, "--PRE_START_WIDTH") &&
-         param.GetOpt(options.intergenic, "--PRE_START_INTERGENIC") &&
-         param.GetOpt(options.pseudocount, "--GIBBS_PSEUDOCOUNTS_MAT") &&
-         param.GetOpt(options.precision, "--GIBBS_PRECISION_MAT");
-}
-
 // Counts the letters of the windows by position (the first window sets the number of positions),
 // then turns A, C, G, T into probabilities with the pseudocount. A window shorter than the first
 // cannot be counted: it is reported as the out-of-range access it is and fails the command, as
@@ -96,10 +80,17 @@ std::uint32_t Precision(std::int32_t precision) {
 
 }  // namespace
 
+bool ReadFixedMotifOptions(Param& param, FixedMotifOptions& options) {
+  options.log = param.ValueOrEmpty("--log");
+  return param.GetOpt(options.width, "--width") &&
+         param.GetOpt(options.upstream, "--PRE_START_WIDTH") &&
+         param.GetOpt(options.intergenic, "--PRE_START_INTERGENIC") &&
+         param.GetOpt(options.pseudocount, "--GIBBS_PSEUDOCOUNTS_MAT") &&
+         param.GetOpt(options.precision, "--GIBBS_PRECISION_MAT");
+}
+
 bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const GeneSet& set,
-                     Param& param) {
-  MotifOptions options;
-  if (!ReadMotifOptions(param, options)) return false;
+                     const FixedMotifOptions& options) {
   const std::int64_t inside = std::int64_t{options.width} - options.upstream;
   std::vector<std::string> labels;
   genome.CollectPreStarts(seq, set, options.upstream, ClampToInt(inside), options.intergenic,
@@ -114,11 +105,10 @@ bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const Gene
   SetSection(report, Section("RBSD"), "1", Placement::kOnKeyLine);
 
   // The log is a file of its own, appended to: the matrix and the end of line that closes it.
-  const std::string log = param.ValueOrEmpty("--log");
-  if (log.empty()) return true;
+  if (options.log.empty()) return true;
   std::string text = LogMatrix(matrix, options.upstream, precision);
   text.push_back('\n');
-  return WriteFile(log, text, OutputMode::kAppend);
+  return WriteFile(options.log, text, OutputMode::kAppend);
 }
 
 }  // namespace genetrain

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "common/Param.h"
@@ -30,11 +31,24 @@ StartCodonEstimate EstimateStartCodons(const std::vector<CodeSeq>& cod1,
 // The (C + G) / (A + C + G + T) fraction of coded sequences; 0 without any of these letters.
 double GcFraction(const std::vector<CodeSeq>& sequences);
 
+// The settings of a fixed motif.
+struct FixedMotifOptions {
+  std::uint32_t width = 0;    // --width: bases of the window
+  std::int32_t upstream = 0;  // --PRE_START_WIDTH: bases of the window before the start codon
+  bool intergenic = true;     // --PRE_START_INTERGENIC
+  std::int32_t pseudocount = 1;
+  std::int32_t precision = 3;
+  std::string log;  // appended to when named
+};
+
+// Reads the settings in the order their messages appear; the first bad value fails.
+bool ReadFixedMotifOptions(Param& param, FixedMotifOptions& options);
+
 // The ribosome binding site sections of a fixed motif: the position matrix of the windows of
-// --width bases starting --PRE_START_WIDTH bases upstream of the genes' starts; the matrix is also
-// appended to --log.
+// `width` bases starting `upstream` bases before the genes' starts; the matrix is also appended
+// to the log.
 bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const GeneSet& set,
-                     Param& param);
+                     const FixedMotifOptions& options);
 
 }  // namespace genetrain
 

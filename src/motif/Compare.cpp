@@ -55,10 +55,10 @@ std::vector<Partner> DecidingPartners(const std::vector<GENE>& genes) {
 }  // namespace
 
 void Compare::Match() {
-  match_both_direct = 0;
-  match_both_reverse = 0;
-  match_stop_direct = 0;
-  match_stop_reverse = 0;
+  matchBothDirect = 0;
+  matchBothReverse = 0;
+  matchStopDirect = 0;
+  matchStopReverse = 0;
   if (source.genes.empty()) return;
   const std::vector<Partner> partners = DecidingPartners(target.genes);
   const auto byKey = [](const Partner& partner, std::uint64_t key) { return partner.key < key; };
@@ -68,9 +68,9 @@ void Compare::Match() {
     if (found == partners.end() || found->key != key) continue;
     const bool exact = found->start == StartEnd(gene);
     if (gene.strand == Strand::kDirect) {
-      ++(exact ? match_both_direct : match_stop_direct);
+      ++(exact ? matchBothDirect : matchStopDirect);
     } else {
-      ++(exact ? match_both_reverse : match_stop_reverse);
+      ++(exact ? matchBothReverse : matchStopReverse);
     }
   }
 }
@@ -83,8 +83,8 @@ std::string Compare::ResultText(std::uint32_t precision, bool bothEnds, bool sto
     AppendFixed(text, 0.0, precision);
     return text;
   }
-  const std::int64_t both = std::int64_t{match_both_direct} + match_both_reverse;
-  const std::int64_t stop = both + match_stop_direct + match_stop_reverse;
+  const std::int64_t both = std::int64_t{matchBothDirect} + matchBothReverse;
+  const std::int64_t stop = both + matchStopDirect + matchStopReverse;
   const double total = static_cast<double>(genes);
   if (bothEnds) {
     AppendFixed(text, 2.0 * static_cast<double>(both) / total, precision);
@@ -94,22 +94,26 @@ std::string Compare::ResultText(std::uint32_t precision, bool bothEnds, bool sto
   return text;
 }
 
+bool ReadCompareOptions(Param& param, CompareOptions& options) {
+  options.output = param.ValueOrEmpty("--compare");
+  return param.GetWord(options.sourceName, "--source") &&
+         param.GetWord(options.targetName, "--target") &&
+         param.GetOpt(options.precision, "--COMPARE_PRECISION") &&
+         param.GetOpt(options.bothEnds, "--COMPARE_START") &&
+         param.GetOpt(options.stopEnd, "--COMPARE_END");
+}
+
 bool Compare::Run(Param& param) {
-  std::string sourceName;
-  std::string targetName;
-  std::uint32_t precision = 1;
-  bool bothEnds = true;
-  bool stopEnd = true;
-  if (!param.GetWord(sourceName, "--source") || !param.GetWord(targetName, "--target") ||
-      !param.GetOpt(precision, "--COMPARE_PRECISION") ||
-      !param.GetOpt(bothEnds, "--COMPARE_START") || !param.GetOpt(stopEnd, "--COMPARE_END")) {
-    return false;
-  }
-  if (!source.LoadFile(sourceName) || !target.LoadFile(targetName)) return false;
+  CompareOptions options;
+  return ReadCompareOptions(param, options) && Run(options);
+}
+
+bool Compare::Run(const CompareOptions& options) {
+  if (!source.LoadFile(options.sourceName) || !target.LoadFile(options.targetName)) return false;
   if (source.genes.empty() || target.genes.empty()) WriteStdout(kEmptySetWarning);
   Match();
-  Set("--compare", "", ResultText(precision, bothEnds, stopEnd));
-  return Write(param.ValueOrEmpty("--compare"));
+  Set("--compare", "", ResultText(options.precision, options.bothEnds, options.stopEnd));
+  return Write(options.output);
 }
 
 }  // namespace genetrain

@@ -23,6 +23,13 @@ using test::CodesOf;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 
+// A chain counted at its own count order, with the default tuning.
+MkChain Chain(int order, int period, int countOrder) {
+  ChainSettings settings;
+  settings.countOrder = countOrder;
+  return MkChain(order, period, settings);
+}
+
 // The word index of a word in letters.
 std::size_t Word(const std::string& letters) {
   std::size_t index = 0;
@@ -43,7 +50,7 @@ std::uint32_t ReverseComplementByDefinition(std::uint32_t word, int letters) {
 // A period-3 chain with the given margins and pseudocount, estimated from the sequences.
 MkChain Coding(int order, const std::vector<std::string>& sequences, int left, int right,
                int pseudocount) {
-  MkChain chain(order, 3, order);
+  MkChain chain = Chain(order, 3, order);
   std::vector<CodeSeq> list;
   for (const std::string& letters : sequences) list.push_back(CodesOf(letters));
   EXPECT_TRUE(chain.Estimate(list, left, right, pseudocount));
@@ -87,7 +94,7 @@ TEST(MkChainTest, ConstructorReadsOptions) {
   param.Set("--MKCHAIN_PRECISION", "3");
   param.Set("--revcomp_non", "0.5");
   const MkChain noncoding(4, 1, param);
-  EXPECT_EQ(noncoding.count_order, 1);
+  EXPECT_EQ(noncoding.countOrder, 1);
   EXPECT_EQ(noncoding.left_margin, 6);
   EXPECT_EQ(noncoding.right_margin, 0);
   EXPECT_EQ(noncoding.pseudocount, 2);
@@ -96,12 +103,12 @@ TEST(MkChainTest, ConstructorReadsOptions) {
   EXPECT_EQ(noncoding.tables[0].size(), 1024u);
   // Coding chains count at their order, whatever --order_non says, even above the order.
   const MkChain coding(4, 3, param);
-  EXPECT_EQ(coding.count_order, 4);
+  EXPECT_EQ(coding.countOrder, 4);
   param.Set("--order_non", "9");
-  EXPECT_EQ(MkChain(4, 3, param).count_order, 4);
+  EXPECT_EQ(MkChain(4, 3, param).countOrder, 4);
   // -1 stands for the order.
   param.Set("--order_non", "-1");
-  EXPECT_EQ(MkChain(4, 1, param).count_order, 4);
+  EXPECT_EQ(MkChain(4, 1, param).countOrder, 4);
 }
 
 TEST(MkChainTest, MalformedOptionsAreReportedAndKeepDefaults) {
@@ -120,7 +127,7 @@ TEST(MkChainTest, MalformedOptionsAreReportedAndKeepDefaults) {
             "error in value of parameter --MKCHAIN_PRECISION: 4 digits\n"
             "error in value of parameter --revcomp_non: yes\n"
             "error in value of parameter --revcomp_non: yes\n");
-  EXPECT_EQ(chain.count_order, 2);
+  EXPECT_EQ(chain.countOrder, 2);
   EXPECT_EQ(chain.left_margin, 3);
   EXPECT_EQ(chain.pseudocount, 1);
   EXPECT_EQ(chain.precision, 5);
@@ -128,7 +135,7 @@ TEST(MkChainTest, MalformedOptionsAreReportedAndKeepDefaults) {
 }
 
 TEST(MkChainTest, OrderZeroFromOneSequence) {
-  MkChain chain(0, 1, 0);
+  MkChain chain = Chain(0, 1, 0);
   ASSERT_TRUE(chain.Estimate(CodesOf("ACGTAC")));  // A 2, C 2, G 1, T 1; (count + 1) / (6 + 4)
   EXPECT_EQ(chain.ToText(), Column({"0.30000", "0.30000", "0.20000", "0.20000"}));
   // Each entry is the quotient itself (3 * (1 / 10) would be one unit in the last place off).
@@ -138,14 +145,14 @@ TEST(MkChainTest, OrderZeroFromOneSequence) {
 }
 
 TEST(MkChainTest, PseudocountWeighsEveryWord) {
-  MkChain none(0, 1, 0);
+  MkChain none = Chain(0, 1, 0);
   ASSERT_TRUE(none.Estimate({CodesOf("ACGTAC")}, 0, 0, 0));
   EXPECT_EQ(none.ToText(), Column({"0.33333", "0.33333", "0.16667", "0.16667"}));
-  MkChain two(0, 1, 0);
+  MkChain two = Chain(0, 1, 0);
   ASSERT_TRUE(two.Estimate({CodesOf("ACGTAC")}, 0, 0, 2));  // (count + 2) / (6 + 8)
   EXPECT_EQ(two.ToText(), Column({"0.28571", "0.28571", "0.21429", "0.21429"}));
   // The chain's own pseudocount in the single-sequence form.
-  MkChain own(0, 1, 0);
+  MkChain own = Chain(0, 1, 0);
   own.pseudocount = 0;
   ASSERT_TRUE(own.Estimate(CodesOf("AAAC")));
   EXPECT_EQ(own.ToText(), Column({"0.75000", "0.25000", "0.00000", "0.00000"}));
@@ -153,7 +160,7 @@ TEST(MkChainTest, PseudocountWeighsEveryWord) {
 
 TEST(MkChainTest, OrderOneFromOneSequence) {
   // Words AA, AC, CG, GA; with pseudocount 1: (1 + 1) / (4 + 16) and 1 / 20.
-  MkChain chain(1, 1, 1);
+  MkChain chain = Chain(1, 1, 1);
   ASSERT_TRUE(chain.Estimate(CodesOf("AACGA")));
   std::vector<std::string> rows(16, "0.05000");
   for (const char* word : {"AA", "AC", "CG", "GA"}) rows[Word(word)] = "0.10000";
@@ -198,7 +205,7 @@ TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
     EXPECT_EQ(chain.ToText(), Column(rows)) << letters;
   }
   // A stretch of exactly the count order loads the word and counts nothing.
-  MkChain chain(2, 1, 2);
+  MkChain chain = Chain(2, 1, 2);
   ASSERT_TRUE(chain.Estimate({CodesOf("AC"), CodesOf("ACGN"), CodesOf("TTT")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   rows[Word("ACG")] = "0.50000";
@@ -208,7 +215,7 @@ TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
 
 TEST(MkChainTest, ShortSequencesAreSkipped) {
   // Length 6 with margins 3 and 3 gives nothing; length 7 gives one letter.
-  MkChain chain(0, 1, 0);
+  MkChain chain = Chain(0, 1, 0);
   ASSERT_TRUE(chain.Estimate({CodesOf("GGGCCC"), CodesOf("TTTATTT")}, 3, 3, 0));
   EXPECT_EQ(chain.tables[0], (std::vector<double>{1, 0, 0, 0}));
 }
@@ -217,7 +224,7 @@ TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
   // AACGT with margins 1 and 0: forward ACGT gives AC, CG, GT; the reverse strand of AACG
   // (the margins swap ends) reads CGTT: CG, GT, TT. Symmetrised: AC = GT = 1.5, CG = 2,
   // AA = TT = 0.5, of 6.
-  MkChain chain(1, 1, 1);
+  MkChain chain = Chain(1, 1, 1);
   chain.revcomp = true;
   ASSERT_TRUE(chain.Estimate({CodesOf("AACGT")}, 1, 0, 0));
   std::vector<std::string> rows(16, "0.00000");
@@ -228,7 +235,7 @@ TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
 }
 
 TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
-  MkChain chain(3, 1, 3);
+  MkChain chain = Chain(3, 1, 3);
   chain.revcomp = true;
   ASSERT_TRUE(chain.Estimate({CodesOf("ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT"), CodesOf("CCCGGGAT")},
                              2, 1, 1));
@@ -236,12 +243,12 @@ TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
     ASSERT_EQ(chain.tables[0][word], chain.tables[0][MkChain::ReverseComplementIndex(word, 4)]);
   }
   // Period 3 never counts the reverse strand.
-  MkChain coding(0, 3, 0);
+  MkChain coding = Chain(0, 3, 0);
   coding.revcomp = true;
   ASSERT_TRUE(coding.Estimate({CodesOf("AAA")}, 0, 0, 0));
   EXPECT_EQ(coding.tables[0], (std::vector<double>{1, 0, 0, 0}));
   // Without symmetrising, one sequence on both strands: AAC and GTT.
-  MkChain whole(0, 1, 0);
+  MkChain whole = Chain(0, 1, 0);
   whole.revcomp = true;
   whole.pseudocount = 0;
   ASSERT_TRUE(whole.Estimate(CodesOf("AAC")));
@@ -251,7 +258,7 @@ TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
 TEST(MkChainTest, OrderOneFromCountOrderZero) {
   // AAT: A 3/7, C 1/7, G 1/7, T 2/7 with pseudocount 1; the products are symmetrised, of 49:
   // AA = TT = 6.5, AT = TA = 6, CC = CG = GC = GG = 1, the rest 2.5.
-  MkChain chain(1, 1, 0);
+  MkChain chain = Chain(1, 1, 0);
   ASSERT_TRUE(chain.Estimate({CodesOf("AAT")}, 0, 0, 1));
   std::vector<std::string> rows(16, "0.05102");
   rows[Word("AA")] = rows[Word("TT")] = "0.13265";
@@ -265,7 +272,7 @@ TEST(MkChainTest, OrderTwoFromCountOrderZero) {
   // letters from the group of the first letter: after A, A 5/9 and T 4/9; after T, A 4/9 and
   // T 5/9. So AAA 25, AAT 20, ATA 20, ATT 16, TAA 16, TAT 20, TTA 20, TTT 25 (of 162), and
   // symmetrised: AAT = ATT = TAA = TTA = 18.
-  MkChain chain(2, 1, 0);
+  MkChain chain = Chain(2, 1, 0);
   ASSERT_TRUE(chain.Estimate({CodesOf("AAT")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   rows[Word("AAA")] = rows[Word("TTT")] = "0.15432";
@@ -279,7 +286,7 @@ TEST(MkChainTest, ExtensionWeighsByTheFirstLettersOfTheWord) {
   // (words AA..AT): C and G, 1/2 each; group C: A only. So ACC = ACG = AGC = AGG = 1/6 and
   // CAA = 1/3; symmetrised with GGT, CGT, GCT, CCT and TTG. ACA stays 0: the letter after AC is
   // weighed by the group of its first letter A, not by the letters that follow C.
-  MkChain chain(2, 1, 1);
+  MkChain chain = Chain(2, 1, 1);
   ASSERT_TRUE(chain.Estimate({CodesOf("ACAG")}, 0, 0, 0));
   std::vector<std::string> rows(64, "0.00000");
   for (const char* word : {"ACC", "GGT", "ACG", "CGT", "AGC", "GCT", "AGG", "CCT"}) {
@@ -290,7 +297,7 @@ TEST(MkChainTest, ExtensionWeighsByTheFirstLettersOfTheWord) {
 }
 
 TEST(MkChainTest, SetRandom) {
-  MkChain chain(1, 3, 1);
+  MkChain chain = Chain(1, 3, 1);
   chain.SetRandom(0.6);  // A = T = 0.2, C = G = 0.3
   std::vector<std::string> rows;
   for (const char* value :
@@ -300,10 +307,10 @@ TEST(MkChainTest, SetRandom) {
   }
   EXPECT_EQ(chain.ToText(), Column(rows));
   // No range check: probabilities below zero print as the smallest step.
-  MkChain odd(0, 1, 0);
+  MkChain odd = Chain(0, 1, 0);
   odd.SetRandom(1.2);  // A = T = -0.1, C = G = 0.6
   EXPECT_EQ(odd.ToText(), Column({"0.00001", "0.60000", "0.60000", "0.00001"}));
-  MkChain three(2, 1, 2);
+  MkChain three = Chain(2, 1, 2);
   three.SetRandom(0.5);
   for (const double value : three.tables[0]) ASSERT_EQ(value, 1.0 / 64);
   three.SetRandom(0.0);
@@ -312,7 +319,7 @@ TEST(MkChainTest, SetRandom) {
 }
 
 TEST(MkChainTest, PrintingFloorsTinyValues) {
-  MkChain chain(0, 1, 0);
+  MkChain chain = Chain(0, 1, 0);
   chain.tables[0] = {0.000003, 0.0, -0.5, std::numeric_limits<double>::quiet_NaN()};
   EXPECT_EQ(chain.ToText(), Column({"0.00001", "0.00000", "0.00001", "0.00001"}));
   chain.tables[0] = {0.00001, 0.000015, 0.999996, 2.5};
@@ -329,7 +336,7 @@ TEST(MkChainTest, PrintingFloorsTinyValues) {
 TEST(MkChainTest, PrintingMatchesPrintfOnManyValues) {
   std::mt19937_64 random(11);
   std::uniform_real_distribution<double> unit(0, 1);
-  MkChain chain(4, 3, 4);
+  MkChain chain = Chain(4, 3, 4);
   for (int digits = 0; digits <= 10; ++digits) {
     for (std::vector<double>& table : chain.tables) {
       for (double& value : table) {
@@ -357,7 +364,7 @@ TEST(MkChainTest, PrintingMatchesPrintfOnManyValues) {
 }
 
 TEST(MkChainTest, OtherTableCountsPrintOnlyTheNewline) {
-  MkChain chain(1, 3, 1);
+  MkChain chain = Chain(1, 3, 1);
   chain.SetRandom(0.5);
   chain.tables.resize(2);
   EXPECT_EQ(chain.ToText(), "\n");
@@ -366,7 +373,7 @@ TEST(MkChainTest, OtherTableCountsPrintOnlyTheNewline) {
 }
 
 TEST(MkChainTest, EstimatesAddUp) {
-  MkChain chain(0, 1, 0);
+  MkChain chain = Chain(0, 1, 0);
   ASSERT_TRUE(chain.Estimate({CodesOf("A")}, 0, 0, 0));
   ASSERT_TRUE(chain.Estimate({CodesOf("C")}, 0, 0, 0));  // adds 1 to A = 1: A = 1/2, C = 1/2
   EXPECT_EQ(chain.tables[0], (std::vector<double>{0.5, 0.5, 0, 0}));
@@ -374,7 +381,7 @@ TEST(MkChainTest, EstimatesAddUp) {
 
 TEST(MkChainTest, WrittenTextIsTheTextInSlices) {
   // Order 7 in three frames: 65,536 rows of 36 bytes, more than two slices of the writer.
-  MkChain chain(7, 3, 7);
+  MkChain chain = Chain(7, 3, 7);
   std::mt19937 random(3);
   std::uniform_int_distribution<int> base(0, 4);
   std::vector<CodeSeq> genes(40, CodeSeq(3000));
@@ -399,10 +406,10 @@ std::vector<CodeSeq> One(const std::string& letters) {
 
 // An invalid setting prints its message once and leaves the chain without tables: a table of the
 // asked order could not even be held.
-void ExpectInvalid(int order, int period, int count_order, const std::string& message) {
+void ExpectInvalid(int order, int period, int countOrder, const std::string& message) {
   CaptureStderr();
-  const MkChain chain(order, period, count_order);
-  EXPECT_EQ(GetCapturedStderr(), message) << order << " " << period << " " << count_order;
+  const MkChain chain = Chain(order, period, countOrder);
+  EXPECT_EQ(GetCapturedStderr(), message) << order << " " << period << " " << countOrder;
   EXPECT_FALSE(chain.Valid());
   EXPECT_TRUE(chain.tables.empty());
 }
@@ -416,10 +423,10 @@ TEST(MkChainFailureTest, InvalidSettings) {
   ExpectInvalid(2, 2, 2, "error: period 2\n");
   ExpectInvalid(2, 0, 2, "error: period 0\n");
   // Valid settings print nothing (small orders: a chain of order 14 would take 8.6 GB).
-  for (const auto& [order, period, count_order] :
+  for (const auto& [order, period, countOrder] :
        {std::array{3, 1, 0}, std::array{3, 3, 3}, std::array{0, 1, 0}, std::array{1, 1, 1}}) {
     CaptureStderr();
-    const MkChain valid(order, period, count_order);
+    const MkChain valid = Chain(order, period, countOrder);
     EXPECT_EQ(GetCapturedStderr(), "");
     EXPECT_TRUE(valid.Valid());
     EXPECT_EQ(valid.tables.size(), static_cast<std::size_t>(period));
@@ -433,8 +440,9 @@ TEST(MkChainFailureTest, InvalidSettingsFromOptionsStopTheReading) {
   param.Set("--MKCHAIN_PSEUDOCOUNTS", "+1");
   for (const bool deferred : {false, true}) {
     CaptureStderr();
-    const MkChain chain =
-        deferred ? MkChain(5, 1, param, MkChain::Deferred{}) : MkChain(5, 1, param);
+    const MkChain chain = deferred
+                              ? MkChain(5, 1, ReadChainSettings(param, 5, 1), MkChain::Deferred{})
+                              : MkChain(5, 1, param);
     EXPECT_EQ(GetCapturedStderr(), "error: order_count 6 is higher than order 5\n");
     EXPECT_FALSE(chain.Valid());
     EXPECT_TRUE(chain.tables.empty());
@@ -450,7 +458,7 @@ TEST(MkChainFailureTest, InvalidSettingsFromOptionsStopTheReading) {
   const MkChain valid(5, 1, param);
   EXPECT_EQ(GetCapturedStderr(), "error in value of parameter --MKCHAIN_PSEUDOCOUNTS: +1\n");
   EXPECT_TRUE(valid.Valid());
-  EXPECT_EQ(valid.count_order, 4);
+  EXPECT_EQ(valid.countOrder, 4);
 }
 
 void ExpectEstimateFails(MkChain chain, const std::vector<CodeSeq>& sequences, int left, int right,
@@ -462,32 +470,32 @@ void ExpectEstimateFails(MkChain chain, const std::vector<CodeSeq>& sequences, i
 }
 
 TEST(MkChainFailureTest, EstimationErrors) {
-  test::Outcome printed = Capture([] { return MkChain(1, 3, 1).Estimate(std::vector<CodeSeq>{}); });
+  test::Outcome printed = Capture([] { return Chain(1, 3, 1).Estimate(std::vector<CodeSeq>{}); });
   EXPECT_FALSE(printed.ok);
   EXPECT_EQ(printed.err, "error: data input empty \n");
-  printed = Capture([] { return MkChain(1, 1, 1).Estimate(CodeSeq{}); });
+  printed = Capture([] { return Chain(1, 1, 1).Estimate(CodeSeq{}); });
   EXPECT_FALSE(printed.ok);
   EXPECT_EQ(printed.err, "error: data input empty \n");
-  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), -1, 2, 1, "error: Lmarg -1 Rmarg 2\n");
-  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), 0, -4, 1, "error: Lmarg 0 Rmarg -4\n");
-  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), 0, 0, -1, "error: pseudocount -1\n");
-  ExpectEstimateFails(MkChain(2, 1, 1), One("ACGT"), 0, 0, -3, "error: pseudocount -3\n");
+  ExpectEstimateFails(Chain(1, 1, 1), One("ACGT"), -1, 2, 1, "error: Lmarg -1 Rmarg 2\n");
+  ExpectEstimateFails(Chain(1, 1, 1), One("ACGT"), 0, -4, 1, "error: Lmarg 0 Rmarg -4\n");
+  ExpectEstimateFails(Chain(1, 1, 1), One("ACGT"), 0, 0, -1, "error: pseudocount -1\n");
+  ExpectEstimateFails(Chain(2, 1, 1), One("ACGT"), 0, 0, -3, "error: pseudocount -3\n");
   // Every sequence within the margins: nothing counted.
-  printed = Capture([] { return MkChain(1, 3, 1).Estimate(One("ACGTAC")); });
+  printed = Capture([] { return Chain(1, 3, 1).Estimate(One("ACGTAC")); });
   EXPECT_FALSE(printed.ok);
   EXPECT_EQ(printed.err, "error: count 0\n");
-  ExpectEstimateFails(MkChain(2, 1, 0), One("NNN"), 0, 0, 1, "error: count 0\n");
+  ExpectEstimateFails(Chain(2, 1, 0), One("NNN"), 0, 0, 1, "error: count 0\n");
   // A frame table without words: frame 2 of a three-letter stretch at order 1.
-  ExpectEstimateFails(MkChain(1, 3, 1), One("ACG"), 0, 0, 1, "error: count 0\n");
-  ExpectEstimateFails(MkChain(2, 3, 1), One("ACGTACGT"), 0, 0, 1,
+  ExpectEstimateFails(Chain(1, 3, 1), One("ACG"), 0, 0, 1, "error: count 0\n");
+  ExpectEstimateFails(Chain(2, 3, 1), One("ACGTACGT"), 0, 0, 1,
                       "error: order_count is supported only for period == 1 1\n");
-  MkChain cut(2, 1, 0);
+  MkChain cut = Chain(2, 1, 0);
   cut.tables[0].resize(4);
   ExpectEstimateFails(std::move(cut), One("ACGT"), 0, 0, 1, "error in vector size 4\n");
 }
 
 TEST(MkChainFailureTest, PrecisionLimit) {
-  MkChain chain(0, 1, 0);
+  MkChain chain = Chain(0, 1, 0);
   chain.SetRandom(0.5);
   for (const int digits : {11, -1}) {
     CaptureStderr();
@@ -512,12 +520,12 @@ TEST(MkChainFailureTest, PrecisionLimit) {
   EXPECT_TRUE(Capture([&] { return chain.CheckPrecision(); }).ok);
 }
 
-// Whether every frame gets a word of count_order + 1 known letters within the margins, worked
+// Whether every frame gets a word of countOrder + 1 known letters within the margins, worked
 // out word by word, independently of the rolling count of the chain.
-bool EveryFrameCounted(const std::vector<CodeSeq>& sequences, int left, int right, int count_order,
+bool EveryFrameCounted(const std::vector<CodeSeq>& sequences, int left, int right, int countOrder,
                        int period) {
   std::vector<bool> counted(static_cast<std::size_t>(period), false);
-  const int letters = count_order + 1;
+  const int letters = countOrder + 1;
   for (const CodeSeq& sequence : sequences) {
     const int end = static_cast<int>(sequence.size()) - right;
     for (int start = left; start + letters <= end; ++start) {
@@ -544,7 +552,7 @@ TEST(MkChainFailureTest, EstimateFailsExactlyWhenAFrameHasNoWord) {
     }
     const int order = round % 3;
     const int period = round % 2 == 0 ? 1 : 3;
-    MkChain chain(order, period, order);
+    MkChain chain = Chain(order, period, order);
     chain.left_margin = round % 4 == 0 ? 2 : 0;
     chain.right_margin = round % 5 == 0 ? 1 : 0;
     const bool expected =
