@@ -55,10 +55,10 @@ std::vector<Partner> DecidingPartners(const std::vector<GENE>& genes) {
 }  // namespace
 
 void Compare::Match() {
-  matchBothDirect = 0;
-  matchBothReverse = 0;
-  matchStopDirect = 0;
-  matchStopReverse = 0;
+  match_both_direct = 0;
+  match_both_reverse = 0;
+  match_stop_direct = 0;
+  match_stop_reverse = 0;
   if (source.genes.empty()) return;
   const std::vector<Partner> partners = DecidingPartners(target.genes);
   const auto byKey = [](const Partner& partner, std::uint64_t key) { return partner.key < key; };
@@ -68,9 +68,9 @@ void Compare::Match() {
     if (found == partners.end() || found->key != key) continue;
     const bool exact = found->start == StartEnd(gene);
     if (gene.strand == Strand::kDirect) {
-      ++(exact ? matchBothDirect : matchStopDirect);
+      ++(exact ? match_both_direct : match_stop_direct);
     } else {
-      ++(exact ? matchBothReverse : matchStopReverse);
+      ++(exact ? match_both_reverse : match_stop_reverse);
     }
   }
 }
@@ -83,8 +83,8 @@ std::string Compare::ResultText(std::uint32_t precision, bool bothEnds, bool sto
     AppendFixed(text, 0.0, precision);
     return text;
   }
-  const std::int64_t both = std::int64_t{matchBothDirect} + matchBothReverse;
-  const std::int64_t stop = both + matchStopDirect + matchStopReverse;
+  const std::int64_t both = std::int64_t{match_both_direct} + match_both_reverse;
+  const std::int64_t stop = both + match_stop_direct + match_stop_reverse;
   const double total = static_cast<double>(genes);
   if (bothEnds) {
     AppendFixed(text, 2.0 * static_cast<double>(both) / total, precision);

@@ -43,10 +43,10 @@ class Compare : public Report {
 
   GeneSet source;
   GeneSet target;
-  std::int32_t matchBothDirect = 0;
-  std::int32_t matchBothReverse = 0;
-  std::int32_t matchStopDirect = 0;
-  std::int32_t matchStopReverse = 0;
+  std::int32_t match_both_direct = 0;
+  std::int32_t match_both_reverse = 0;
+  std::int32_t match_stop_direct = 0;
+  std::int32_t match_stop_reverse = 0;
 };
 
 }  // namespace genetrain

@@ -25,8 +25,8 @@ GENE Gene(Strand strand, std::int32_t left, std::int32_t right) {
 using Counts = std::array<int, 4>;  // both direct, both reverse, stop direct, stop reverse
 
 Counts CountsOf(const Compare& compare) {
-  return {compare.matchBothDirect, compare.matchBothReverse, compare.matchStopDirect,
-          compare.matchStopReverse};
+  return {compare.match_both_direct, compare.match_both_reverse, compare.match_stop_direct,
+          compare.match_stop_reverse};
 }
 
 std::string Show(const Counts& c) {
@@ -95,8 +95,8 @@ TEST(CompareMatch, FirstTargetWithTheSameStrandAndStopDecides) {
 
 TEST(CompareMatch, CountersStartAtZero) {
   Compare compare;
-  compare.matchBothDirect = 5;
-  compare.matchStopReverse = 7;
+  compare.match_both_direct = 5;
+  compare.match_stop_reverse = 7;
   compare.target.genes = {Gene(Strand::kDirect, 0, 98)};
   compare.Match();  // empty source
   EXPECT_EQ(Show(CountsOf(compare)), "0 0 0 0");
@@ -177,9 +177,9 @@ TEST(CompareResultText, ScoresFlagsAndPrecision) {
   Compare compare;
   compare.source.genes.assign(3, GENE{});
   compare.target.genes.assign(2, GENE{});
-  compare.matchBothDirect = 1;
-  compare.matchBothReverse = 1;
-  compare.matchStopDirect = 1;
+  compare.match_both_direct = 1;
+  compare.match_both_reverse = 1;
+  compare.match_stop_direct = 1;
   EXPECT_EQ(compare.ResultText(1, true, true), "0.8\t1.2");  // 2*2/5, 2*3/5
   EXPECT_EQ(compare.ResultText(3, true, true), "0.800\t1.200");
   EXPECT_EQ(compare.ResultText(0, true, true), "1\t1");
@@ -187,8 +187,8 @@ TEST(CompareResultText, ScoresFlagsAndPrecision) {
   EXPECT_EQ(compare.ResultText(1, true, false), "0.8");
   EXPECT_EQ(compare.ResultText(1, false, false), "");
 
-  compare.matchBothDirect = 0;
-  compare.matchStopReverse = 1;
+  compare.match_both_direct = 0;
+  compare.match_stop_reverse = 1;
   compare.target.genes.assign(3, GENE{});
   EXPECT_EQ(compare.ResultText(4, true, true), "0.3333\t1.0000");  // 2*1/6, 2*3/6
 }
