@@ -155,15 +155,6 @@ TEST(MkChainTest, HandComputedChains) {
   EXPECT_EQ(whole.ToText(), Table(4, "0.16667", "A T:0.33333"));
 }
 
-TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
-  MkChain chain = Chain(3, 1, 3);
-  chain.revcomp = true;
-  ASSERT_TRUE(chain.Estimate(Codes({"ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT", "CCCGGGAT"}), 2, 1, 1));
-  for (std::uint32_t word = 0; word < 256; ++word) {
-    ASSERT_EQ(chain.tables[0][word], chain.tables[0][MkChain::ReverseComplementIndex(word, 4)]);
-  }
-}
-
 TEST(MkChainTest, SetRandom) {
   MkChain chain = Chain(1, 3, 1);
   chain.SetRandom(0.6);  // A = T = 0.2, C = G = 0.3
