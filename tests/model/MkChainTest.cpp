@@ -240,6 +240,7 @@ TEST(MkChainSettings, ReadFromTheOptionsUpToAnInvalidChain) {
 TEST(MkChainFailureTest, InvalidSettingsAndEstimates) {
   for (const auto& [s, message] : {std::pair{std::array{-1, 1, 0}, "error: order -1\n"},
                                    std::pair{std::array{14, 1, 15}, "error: order 15\n"},
+                                   std::pair{std::array{5, 1, -2}, "error: order -2\n"},
                                    std::pair{std::array{2, 2, 2}, "error: period 2\n"}}) {
     std::optional<MkChain> chain;
     EXPECT_EQ(Capture([&] { return chain.emplace(Chain(s[0], s[1], s[2])).Valid(); }).err, message);
