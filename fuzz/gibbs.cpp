@@ -18,8 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   genetrain::Gibbs gibbs;
   gibbs.Parse(path);
   genetrain::Gibbs motif;
-  motif.ParseMotifLayout(path);
+  motif.ParseLayout(path, genetrain::GibbsLayout::kMotif);
   genetrain::Gibbs numMotifs;
-  numMotifs.ParseNumMotifsLayout(path);
+  numMotifs.ParseLayout(path, genetrain::GibbsLayout::kNumMotifs);
   return 0;
 }

@@ -86,8 +86,6 @@ class Genome {
   std::uint32_t start_precision = 3;
   std::uint32_t start_pseudocounts = 0;
   std::int32_t seq_length = 0;
-  std::vector<std::int64_t> start_counts;
-  std::vector<double> start_probs;
 };
 
 // A 64-bit coordinate held at the ends of the int range.

@@ -1,6 +1,7 @@
 // --mkchain: the coding and non-coding Markov chains of one annotated sequence, written to two
 // chain files without building a model.
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -16,23 +17,31 @@ namespace genetrain {
 
 namespace {
 
-// The two file names and the order, checked in this order; the misspelt messages are part of
-// the output that scripts see.
+struct MkchainOptions {
+  std::string codingName;     // --chain_cod
+  std::string nonCodingName;  // --chain_non
+  int order = 0;
+};
+
 bool Missing(std::string_view message, std::string_view key) {
   PrintError({message, key});
   return false;
 }
 
-bool CheckChainOptions(Param& param, int& order) {
+// The two file names and the order, checked in this order; the misspelt messages are part of
+// the output that scripts see.
+bool ReadMkchainOptions(Param& param, MkchainOptions& options) {
   if (!param.Has("--chain_cod") || !param.IsWord("--chain_cod")) {
     return Missing("error, key missing ", "--chain_cod");
   }
   if (!param.IsWord("--chain_non")) return Missing("error, key missing ", "--chain_non");
   if (!param.Has("--order")) return Missing("error, key missing ", "--order");
   if (!param.IsUnsigned("--order")) return Missing("erorr, key value missing ", "--order");
-  std::uint32_t value = 0;
-  param.GetOpt(value, "--order");
-  order = static_cast<int>(std::min<std::uint32_t>(value, std::numeric_limits<int>::max()));
+  options.codingName = *param.Find("--chain_cod");
+  options.nonCodingName = *param.Find("--chain_non");
+  std::uint32_t order = 0;
+  param.GetOpt(order, "--order");
+  options.order = static_cast<int>(std::min<std::uint32_t>(order, std::numeric_limits<int>::max()));
   return true;
 }
 
@@ -65,8 +74,8 @@ bool WriteChainFile(const std::string& name, const MkChain& first, const MkChain
 // estimated, and a precision that cannot be printed after that, so the messages keep their
 // order.
 bool RunMkchain(Genome& genome, Param& param) {
-  int order = 0;
-  if (!CheckChainOptions(param, order)) return false;
+  MkchainOptions options;
+  if (!ReadMkchainOptions(param, options)) return false;
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, false)) return false;
@@ -74,12 +83,14 @@ bool RunMkchain(Genome& genome, Param& param) {
   genome.ExtractCoding(seq, set, 0, 0);
   genome.ExtractNonCoding(seq, set);
 
-  MkChain coding1(order, 3, param, MkChain::Deferred{});
+  // Each chain reads its settings as it is made: a malformed value is reported once per chain.
+  const int order = options.order;
+  MkChain coding1(order, 3, ReadChainSettings(param, order, 3), MkChain::Deferred{});
   if (!coding1.Valid()) return false;
-  MkChain coding2(order, 3, param, MkChain::Deferred{});
+  MkChain coding2(order, 3, ReadChainSettings(param, order, 3), MkChain::Deferred{});
   if (!coding2.Valid() || !coding1.Estimate(genome.cod1)) return false;
   if (genome.separate_cod && !coding2.Estimate(genome.cod2)) return false;
-  MkChain noncoding(order, 1, param, MkChain::Deferred{});
+  MkChain noncoding(order, 1, ReadChainSettings(param, order, 1), MkChain::Deferred{});
   if (!noncoding.Valid()) return false;
   noncoding.ClearMargins();
 
@@ -87,15 +98,15 @@ bool RunMkchain(Genome& genome, Param& param) {
   const bool printable = coding1.Printable() && (second == nullptr || second->Printable());
   OutputFile codingFile;
   if (printable) {
-    if (!codingFile.Open(*param.Find("--chain_cod")) || !WriteChains(codingFile, coding1, second)) {
+    if (!codingFile.Open(options.codingName) || !WriteChains(codingFile, coding1, second)) {
       return false;
     }
     coding1.Release();
     coding2.Release();
   }
   if (!noncoding.Estimate(genome.non)) return false;
-  if (!printable) return WriteChainFile(*param.Find("--chain_cod"), coding1, second);
-  return codingFile.Commit() && WriteChainFile(*param.Find("--chain_non"), noncoding, nullptr);
+  if (!printable) return WriteChainFile(options.codingName, coding1, second);
+  return codingFile.Commit() && WriteChainFile(options.nonCodingName, noncoding, nullptr);
 }
 
 }  // namespace genetrain

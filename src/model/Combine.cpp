@@ -1,6 +1,4 @@
-#include <array>
 #include <string>
-#include <string_view>
 
 #include "model/ModelFile.h"
 
@@ -8,57 +6,51 @@ namespace genetrain {
 
 namespace {
 
-struct Section {
-  std::string_view option;
-  std::string_view label;
+struct CombineOptions {
+  std::string output;
+  std::string firstName;
+  std::string secondName;
+  bool firstNon = false;  // the non-coding chain of the first model instead of the second
 };
 
-// Values read back are trimmed, so the multi-line sections get their label on a line of its own.
-constexpr std::array<Section, 4> kStartSections = {{
-    {"--ATG_", "ATG_ "},
-    {"--GTG_", "GTG_ "},
-    {"--TTG_", "TTG_ "},
-    {"--CTG_", "CTG_ "},
-}};
+bool ReadCombineOptions(Param& param, CombineOptions& options) {
+  return param.GetWord(options.output, "--combine") &&
+         param.GetWord(options.firstName, "--first") &&
+         param.GetWord(options.secondName, "--second") &&
+         param.GetOpt(options.firstNon, "--first_NON");
+}
 
-constexpr std::array<Section, 4> kRbsSections = {{
-    {"--RBSS", "RBSS "},
-    {"--RBSM", "RBSM \n"},
-    {"--RBSL", "RBSL "},
-    {"--RBSD", "RBSD \n"},
-}};
+// Values read back are trimmed: a section that spans lines gets its line feed back.
+void Copy(Report& report, const Param& from, const ModelSection& section) {
+  SetSection(report, section, from.ValueOrEmpty(section.option));
+}
 
-void Copy(Report& report, const Param& from, const Section& section) {
-  const std::string* value = from.Find(section.option);
-  report.Set(section.option, section.label,
-             value != nullptr ? std::string_view(*value) : std::string_view());
+// The model that gives a section: the second coding chain of the second model, the non-coding
+// chain of either, everything else of the first.
+const Param& SourceOf(const ModelSection& section, const Param& first, const Param& second,
+                      bool firstNon) {
+  if (section.key == Section("COD2").key) return second;
+  if (section.key == Section("NONC").key) return firstNon ? first : second;
+  return first;
 }
 
 }  // namespace
 
-// A new model from two: the second coding chain of the second model, the non-coding chain of
-// either, everything else of the first.
 bool RunCombine(Report& report, Param& param) {
-  std::string output;
-  std::string firstName;
-  std::string secondName;
-  bool firstNon = false;
-  if (!param.GetWord(output, "--combine") || !param.GetWord(firstName, "--first") ||
-      !param.GetWord(secondName, "--second") || !param.GetOpt(firstNon, "--first_NON")) {
-    return false;
-  }
+  CombineOptions options;
+  if (!ReadCombineOptions(param, options)) return false;
   Param first;
   Param second;
-  if (!ReadModel(firstName, first) || !ReadModel(secondName, second)) return false;
-
-  Copy(report, first, {"--COD1", "COD1 \n"});
-  Copy(report, second, {"--COD2", "COD2 \n"});
-  Copy(report, firstNon ? first : second, {"--NONC", "NONC \n"});
-  for (const Section& section : kStartSections) Copy(report, first, section);
-  if (first.Has("--RBSS")) {
-    for (const Section& section : kRbsSections) Copy(report, first, section);
+  if (!ReadModel(options.firstName, first) || !ReadModel(options.secondName, second)) {
+    return false;
   }
-  return WriteModel(report, first, output);
+  const bool rbs = first.Has(Section("RBSS").option);
+  for (const ModelSection& section : kModelSections) {
+    if (section.source == SectionSource::kSetting) continue;  // WriteModel's, from the first
+    if (section.source == SectionSource::kRbs && !rbs) continue;
+    Copy(report, SourceOf(section, first, second, options.firstNon), section);
+  }
+  return WriteModel(report, first, options.output);
 }
 
 }  // namespace genetrain

@@ -7,28 +7,13 @@
 #include "common/Message.h"
 #include "common/Output.h"
 #include "model/ModelBuild.h"
+#include "model/ModelFile.h"
 #include "motif/PositionMatrix.h"
 #include "seq/LetterTables.h"
 
 namespace genetrain {
 
 namespace {
-
-struct MotifOptions {
-  std::uint32_t width = 0;    // bases of the window
-  std::int32_t upstream = 0;  // --PRE_START_WIDTH: bases of the window before the start codon
-  bool intergenic = true;
-  std::int32_t pseudocount = 1;
-  std::int32_t precision = 3;
-};
-
-bool ReadMotifOptions(Param& param, MotifOptions& options) {
-  return param.GetOpt(options.width, "--width") &&
-         param.GetOpt(options.upstream, "--PRE_START_WIDTH") &&
-         param.GetOpt(options.intergenic, "--PRE_START_INTERGENIC") &&
-         param.GetOpt(options.pseudocount, "--GIBBS_PSEUDOCOUNTS_MAT") &&
-         param.GetOpt(options.precision, "--GIBBS_PRECISION_MAT");
-}
 
 // Counts the letters of the windows by position (the first window sets the number of positions),
 // then turns A, C, G, T into probabilities with the pseudocount. A window shorter than the first
@@ -95,10 +80,17 @@ std::uint32_t Precision(std::int32_t precision) {
 
 }  // namespace
 
+bool ReadFixedMotifOptions(Param& param, FixedMotifOptions& options) {
+  options.log = param.ValueOrEmpty("--log");
+  return param.GetOpt(options.width, "--width") &&
+         param.GetOpt(options.upstream, "--PRE_START_WIDTH") &&
+         param.GetOpt(options.intergenic, "--PRE_START_INTERGENIC") &&
+         param.GetOpt(options.pseudocount, "--GIBBS_PSEUDOCOUNTS_MAT") &&
+         param.GetOpt(options.precision, "--GIBBS_PRECISION_MAT");
+}
+
 bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const GeneSet& set,
-                     Param& param) {
-  MotifOptions options;
-  if (!ReadMotifOptions(param, options)) return false;
+                     const FixedMotifOptions& options) {
   const std::int64_t inside = std::int64_t{options.width} - options.upstream;
   std::vector<std::string> labels;
   genome.CollectPreStarts(seq, set, options.upstream, ClampToInt(inside), options.intergenic,
@@ -107,17 +99,16 @@ bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const Gene
   if (!CountMatrix(genome.pre_start, options.pseudocount, matrix)) return false;
 
   const std::uint32_t precision = Precision(options.precision);
-  report.SetInt("--RBSS", "RBSS ", std::int64_t{options.width} - 3);
-  report.Set("--RBSM", "RBSM \n", ModelMatrix(matrix, options.upstream, precision));
-  report.SetInt("--RBSL", "RBSL ", std::int64_t{options.upstream} + 3 - options.width);
-  report.Set("--RBSD", "RBSD ", "1");
+  SetSection(report, Section("RBSS"), std::int64_t{options.width} - 3);
+  SetSection(report, Section("RBSM"), ModelMatrix(matrix, options.upstream, precision));
+  SetSection(report, Section("RBSL"), std::int64_t{options.upstream} + 3 - options.width);
+  SetSection(report, Section("RBSD"), "1", Placement::kOnKeyLine);
 
   // The log is a file of its own, appended to: the matrix and the end of line that closes it.
-  const std::string log = param.ValueOrEmpty("--log");
-  if (log.empty()) return true;
+  if (options.log.empty()) return true;
   std::string text = LogMatrix(matrix, options.upstream, precision);
   text.push_back('\n');
-  return WriteFile(log, text, OutputMode::kAppend);
+  return WriteFile(options.log, text, OutputMode::kAppend);
 }
 
 }  // namespace genetrain

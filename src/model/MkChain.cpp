@@ -66,16 +66,16 @@ bool FailCount(double sum) {
 }
 
 // One pass over a stretch with a rolling word index and a rolling mask of unknown letters: the
-// first count_order letters only load the word; every later letter ends a word, counted in the
+// first countOrder letters only load the word; every later letter ends a word, counted in the
 // current frame table when the mask is clear, and advances the frame.
 template <typename Iterator>
-void CountWords(Iterator first, Iterator last, const LetterMap& letters, int count_order,
+void CountWords(Iterator first, Iterator last, const LetterMap& letters, int countOrder,
                 double* const* frames, int period) {
-  if (last - first < count_order) return;
-  const std::uint32_t keep = (std::uint32_t{1} << (2 * count_order)) - 1;
+  if (last - first < countOrder) return;
+  const std::uint32_t keep = (std::uint32_t{1} << (2 * countOrder)) - 1;
   std::uint32_t index = 0;
   std::uint32_t unknown = 0;
-  for (int i = 0; i < count_order; ++i, ++first) {
+  for (int i = 0; i < countOrder; ++i, ++first) {
     const std::uint32_t letter = letters[*first];
     index = (index << 2) | (letter & 3);
     unknown = (unknown << 2) | ((letter >> 2) * 3);
@@ -136,39 +136,59 @@ constexpr std::array<double, kMaxPrintPrecision + 1> kSteps = {1e-0, 1e-1, 1e-2,
 
 }  // namespace
 
-MkChain::MkChain(int order_value, int period_value, Param& param)
-    : MkChain(order_value, period_value, param, Deferred{}) {
-  if (valid_) Size();
-}
-
-MkChain::MkChain(int order_value, int period_value, Param& param, Deferred)
-    : order(order_value), period(period_value) {
-  std::int32_t read_order = -1;
-  param.GetOpt(read_order, "--order_non");
-  count_order = read_order == -1 || period != 1 ? order : read_order;
-  revcomp = false;
+ChainSettings ReadChainSettings(Param& param, int order, int period) {
+  ChainSettings settings;
+  std::int32_t readOrder = -1;
+  param.GetOpt(readOrder, "--order_non");
+  if (period == 1) settings.countOrder = readOrder;
   // The tuning options of an invalid chain are never read, so their messages do not appear.
-  valid_ = Validate();
-  if (valid_) ReadTuning(param);
+  const int countOrder = settings.countOrder == -1 ? order : settings.countOrder;
+  if (!MkChain::SettingFault(order, period, countOrder).empty()) return settings;
+  // Each value is read as a non-negative integer; one beyond the int range is held at its end.
+  const auto read = [&param](int& target, std::string_view key) {
+    std::uint32_t value = static_cast<std::uint32_t>(target);
+    if (param.GetOpt(value, key)) {
+      target = static_cast<int>(std::min<std::uint32_t>(value, std::numeric_limits<int>::max()));
+    }
+  };
+  read(settings.leftMargin, "--MKCHAIN_L_MARGING");
+  read(settings.rightMargin, "--MKCHAIN_R_MARGING");
+  read(settings.pseudocount, "--MKCHAIN_PSEUDOCOUNTS");
+  read(settings.precision, "--MKCHAIN_PRECISION");
+  param.GetOpt(settings.revcomp, "--revcomp_non");
+  return settings;
 }
 
-MkChain::MkChain(int order_value, int period_value, int count_order_value)
-    : order(order_value), period(period_value), count_order(count_order_value) {
-  valid_ = Validate();
+MkChain::MkChain(int chainOrder, int chainPeriod, const ChainSettings& settings)
+    : MkChain(chainOrder, chainPeriod, settings, Deferred{}) {
   if (valid_) Size();
 }
 
-bool MkChain::Validate() const {
-  if (static_cast<unsigned>(order) > kMaxOrder) return Fail({"error: order ", Number(order)});
-  if (count_order < 0 || count_order > kMaxOrder) {
-    return Fail({"error: order ", Number(count_order)});
+MkChain::MkChain(int chainOrder, int chainPeriod, const ChainSettings& settings, Deferred)
+    : left_margin(settings.leftMargin),
+      right_margin(settings.rightMargin),
+      revcomp(settings.revcomp),
+      order(chainOrder),
+      period(chainPeriod),
+      countOrder(settings.countOrder == -1 ? chainOrder : settings.countOrder),
+      pseudocount(settings.pseudocount),
+      precision(settings.precision) {
+  const std::string fault = SettingFault(order, period, countOrder);
+  valid_ = fault.empty();
+  if (!valid_) PrintError({fault});
+}
+
+MkChain::MkChain(int chainOrder, int chainPeriod, Param& param)
+    : MkChain(chainOrder, chainPeriod, ReadChainSettings(param, chainOrder, chainPeriod)) {}
+
+std::string MkChain::SettingFault(int order, int period, int countOrder) {
+  if (static_cast<unsigned>(order) > kMaxOrder) return "error: order " + Number(order);
+  if (countOrder < 0 || countOrder > kMaxOrder) return "error: order " + Number(countOrder);
+  if (countOrder > order) {
+    return "error: order_count " + Number(countOrder) + " is higher than order " + Number(order);
   }
-  if (count_order > order) {
-    return Fail(
-        {"error: order_count ", Number(count_order), " is higher than order ", Number(order)});
-  }
-  if (period != 1 && period != 3) return Fail({"error: period ", Number(period)});
-  return true;
+  if (period != 1 && period != 3) return "error: period " + Number(period);
+  return {};
 }
 
 void MkChain::Size() {
@@ -178,21 +198,6 @@ void MkChain::Size() {
 
 void MkChain::Release() {
   std::vector<std::vector<double>>().swap(tables);
-}
-
-// Each value is read as a non-negative integer; one beyond the int range is held at its end.
-void MkChain::ReadTuning(Param& param) {
-  const auto read = [&param](int& target, std::string_view key) {
-    std::uint32_t value = static_cast<std::uint32_t>(target);
-    if (param.GetOpt(value, key)) {
-      target = static_cast<int>(std::min<std::uint32_t>(value, std::numeric_limits<int>::max()));
-    }
-  };
-  read(left_margin, "--MKCHAIN_L_MARGING");
-  read(right_margin, "--MKCHAIN_R_MARGING");
-  read(pseudocount, "--MKCHAIN_PSEUDOCOUNTS");
-  read(precision, "--MKCHAIN_PRECISION");
-  param.GetOpt(revcomp, "--revcomp_non");
 }
 
 std::uint32_t MkChain::ReverseComplementIndex(std::uint32_t word, int letters) {
@@ -212,7 +217,7 @@ std::uint32_t MkChain::ReverseComplementIndex(std::uint32_t word, int letters) {
 void MkChain::CountForward(const std::uint8_t* begin, const std::uint8_t* end) {
   std::array<double*, 3> frames{};
   for (std::size_t f = 0; f < tables.size(); ++f) frames[f] = tables[f].data();
-  CountWords(begin, end, kForwardLetters, count_order, frames.data(), period);
+  CountWords(begin, end, kForwardLetters, countOrder, frames.data(), period);
 }
 
 // The reverse strand, read 5' to 3': from the stretch's last letter back to its first,
@@ -220,7 +225,7 @@ void MkChain::CountForward(const std::uint8_t* begin, const std::uint8_t* end) {
 void MkChain::CountReverse(const std::uint8_t* begin, const std::uint8_t* end) {
   double* const frames[1] = {tables[0].data()};
   CountWords(std::make_reverse_iterator(end), std::make_reverse_iterator(begin), kComplementLetters,
-             count_order, frames, 1);
+             countOrder, frames, 1);
 }
 
 void MkChain::Symmetrise(int letters) {
@@ -249,55 +254,55 @@ bool MkChain::Estimate(const std::vector<CodeSeq>& sequences) {
 }
 
 bool MkChain::Estimate(const std::vector<CodeSeq>& sequences, int left, int right,
-                       int pseudocount_value) {
+                       int pseudocountValue) {
   if (sequences.empty()) return Fail({"error: data input empty "});
   if (left < 0 || right < 0) {
     return Fail({"error: Lmarg ", Number(left), " Rmarg ", Number(right)});
   }
   if (tables.empty()) Size();
-  const bool both_strands = revcomp && period == 1;
+  const bool bothStrands = revcomp && period == 1;
   for (const CodeSeq& sequence : sequences) {
     const std::int64_t length = static_cast<std::int64_t>(sequence.size());
     if (std::int64_t{left} + right >= length) continue;
     const std::uint8_t* data = sequence.data();
     CountForward(data + left, data + length - right);
     // The margins swap ends on the reverse strand.
-    if (both_strands) CountReverse(data + right, data + length - left);
+    if (bothStrands) CountReverse(data + right, data + length - left);
   }
-  if (both_strands) Symmetrise(count_order + 1);
-  return Normalise(pseudocount_value);
+  if (bothStrands) Symmetrise(countOrder + 1);
+  return Normalise(pseudocountValue);
 }
 
-bool MkChain::Normalise(int pseudocount_value) {
-  if (count_order == order) return NormaliseTables(pseudocount_value);
-  return ExtendTable(pseudocount_value);
+bool MkChain::Normalise(int pseudocountValue) {
+  if (countOrder == order) return NormaliseTables(pseudocountValue);
+  return ExtendTable(pseudocountValue);
 }
 
-bool MkChain::NormaliseTables(int pseudocount_value) {
-  if (pseudocount_value < 0) return Fail({"error: pseudocount ", Number(pseudocount_value)});
+bool MkChain::NormaliseTables(int pseudocountValue) {
+  if (pseudocountValue < 0) return Fail({"error: pseudocount ", Number(pseudocountValue)});
   for (std::vector<double>& table : tables) {
-    if (!NormaliseEntries(table, table.size(), pseudocount_value)) return false;
+    if (!NormaliseEntries(table, table.size(), pseudocountValue)) return false;
   }
   return true;
 }
 
 // Normalises the words counted at the count order, then builds each longer word from the
 // shorter ones, symmetrising every new level whatever the reverse-complement flag says.
-bool MkChain::ExtendTable(int pseudocount_value) {
+bool MkChain::ExtendTable(int pseudocountValue) {
   if (tables.size() > 1) {
-    return Fail({"error: order_count is supported only for period == 1 ", Number(count_order)});
+    return Fail({"error: order_count is supported only for period == 1 ", Number(countOrder)});
   }
-  const std::size_t counted = WordCount(count_order + 1);
+  const std::size_t counted = WordCount(countOrder + 1);
   for (std::vector<double>& table : tables) {
-    if (pseudocount_value < 0) return Fail({"error: pseudocount ", Number(pseudocount_value)});
+    if (pseudocountValue < 0) return Fail({"error: pseudocount ", Number(pseudocountValue)});
     if (table.size() <= counted) {
       return Fail({"error in vector size ", Number(static_cast<std::int64_t>(counted))});
     }
-    if (!NormaliseEntries(table, counted, pseudocount_value)) return false;
+    if (!NormaliseEntries(table, counted, pseudocountValue)) return false;
   }
   std::vector<double> copy;
   copy.reserve(WordCount(order));
-  for (int level = count_order; level < order; ++level) {
+  for (int level = countOrder; level < order; ++level) {
     ExtendLevel(tables[0], copy, level);
     Symmetrise(level + 2);
   }

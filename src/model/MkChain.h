@@ -13,29 +13,46 @@
 
 namespace genetrain {
 
+// How a chain is counted and printed.
+struct ChainSettings {
+  int countOrder = -1;   // the order words are counted at, then extended; -1: the chain's order
+  int leftMargin = 3;    // letters of each training sequence left out at its start
+  int rightMargin = 3;   // and at its end
+  int pseudocount = 1;   // added to every word's count
+  int precision = 5;     // digits printed
+  bool revcomp = false;  // count the reverse strand too (period 1 only)
+};
+
+// The settings a chain of the given order and period takes from the options: --order_non (for
+// period 1 only), then, when that makes a valid chain, --MKCHAIN_L_MARGING, --MKCHAIN_R_MARGING,
+// --MKCHAIN_PSEUDOCOUNTS, --MKCHAIN_PRECISION and --revcomp_non. A malformed value is reported
+// and leaves its default; an invalid chain is left for its construction to report.
+ChainSettings ReadChainSettings(Param& param, int order, int period);
+
 // A Markov chain of a given order and period: one table per frame of the joint frequencies of
 // the words of order + 1 letters (word index: first letter most significant base-4 digit).
 // An invalid setting prints its message and makes the call that met it fail; the caller ends the
 // command with status 1, so that the message is the last word of the run.
 class MkChain {
  public:
-  // Reads --order_non, then the tuning options --MKCHAIN_L_MARGING, --MKCHAIN_R_MARGING,
-  // --MKCHAIN_PSEUDOCOUNTS, --MKCHAIN_PRECISION and --revcomp_non (malformed values are
-  // reported and leave the defaults). An invalid order or period prints its message, reads no
-  // tuning option and makes no table: Valid() tells.
-  MkChain(int order, int period, Param& param);
+  // An invalid order, count order or period prints its message and makes no table: Valid()
+  // tells.
+  MkChain(int order, int period, const ChainSettings& settings);
   // The same, but the tables are made by the first estimate: a chain that is never estimated
   // holds no memory (a table of order k holds 4^(k + 1) doubles per frame).
   struct Deferred {};
-  MkChain(int order, int period, Param& param, Deferred);
-  // Takes the count order directly and reads no option.
-  MkChain(int order, int period, int count_order);
+  MkChain(int order, int period, const ChainSettings& settings, Deferred);
+  // ReadChainSettings, then the chain.
+  MkChain(int order, int period, Param& param);
+
+  // The message of an invalid setting; empty when the chain can be made.
+  static std::string SettingFault(int order, int period, int countOrder);
 
   // False when the construction printed an invalid setting; nothing else may then be asked.
   bool Valid() const { return valid_; }
 
   // The estimates are false, their message printed, for no sequence, invalid margins or
-  // pseudocount, or a frame without a word of count_order + 1 known letters; the tables are then
+  // pseudocount, or a frame without a word of countOrder + 1 known letters; the tables are then
   // left half made.
   // One sequence taken whole, without margins.
   [[nodiscard]] bool Estimate(const CodeSeq& sequence);
@@ -77,22 +94,20 @@ class MkChain {
   int order = 0;
   int period = 1;
   std::vector<std::vector<double>> tables;
-  int count_order = 0;
+  int countOrder = 0;
   int pseudocount = 1;
   int precision = 5;
 
  private:
-  bool Validate() const;
   void Size();
-  void ReadTuning(Param& param);
   // Adds the words of the stretch read forward (frames from 0) or as its reverse complement.
   void CountForward(const std::uint8_t* begin, const std::uint8_t* end);
   void CountReverse(const std::uint8_t* begin, const std::uint8_t* end);
   // Sets each word of table 0 and its reverse complement to their mean.
   void Symmetrise(int letters);
-  bool Normalise(int pseudocount_value);
-  bool NormaliseTables(int pseudocount_value);
-  bool ExtendTable(int pseudocount_value);
+  bool Normalise(int pseudocountValue);
+  bool NormaliseTables(int pseudocountValue);
+  bool ExtendTable(int pseudocountValue);
   static bool CheckPrecision(int digits);
   static bool Printable(int digits);
   void AppendRow(std::string& text, std::size_t word, int digits) const;

@@ -1,6 +1,9 @@
 #ifndef GENETRAIN_MODEL_MODELBUILD_H
 #define GENETRAIN_MODEL_MODELBUILD_H
 
+#include <array>
+#include <cstdint>
+#include <string>
 #include <vector>
 
 #include "common/Param.h"
@@ -11,19 +14,41 @@
 
 namespace genetrain {
 
-// Counts the first codon of every coding training sequence and turns the counts of the genome's
-// start codons into probabilities (pseudocount --START_PSEUDOCOUNTS); prints a warning when no
-// training sequence starts with one.
-void EstimateStartCodons(Genome& genome);
+// The first codons of the coding training sequences, by codon index (64 each).
+struct StartCodonEstimate {
+  std::vector<std::int64_t> start_counts;
+  std::vector<double> start_probs;  // of the start codons only; 0 elsewhere
+};
+
+// Counts the first codon of every sequence of both lists and turns the counts of the start
+// codons into probabilities with the pseudocount; prints a warning when no sequence starts with
+// one.
+StartCodonEstimate EstimateStartCodons(const std::vector<CodeSeq>& cod1,
+                                       const std::vector<CodeSeq>& cod2,
+                                       const std::array<bool, 64>& startCodons,
+                                       std::int64_t pseudocount);
 
 // The (C + G) / (A + C + G + T) fraction of coded sequences; 0 without any of these letters.
 double GcFraction(const std::vector<CodeSeq>& sequences);
 
+// The settings of a fixed motif.
+struct FixedMotifOptions {
+  std::uint32_t width = 0;    // --width: bases of the window
+  std::int32_t upstream = 0;  // --PRE_START_WIDTH: bases of the window before the start codon
+  bool intergenic = true;     // --PRE_START_INTERGENIC
+  std::int32_t pseudocount = 1;
+  std::int32_t precision = 3;
+  std::string log;  // appended to when named
+};
+
+// Reads the settings in the order their messages appear; the first bad value fails.
+bool ReadFixedMotifOptions(Param& param, FixedMotifOptions& options);
+
 // The ribosome binding site sections of a fixed motif: the position matrix of the windows of
-// --width bases starting --PRE_START_WIDTH bases upstream of the genes' starts; the matrix is also
-// appended to --log.
+// `width` bases starting `upstream` bases before the genes' starts; the matrix is also appended
+// to the log.
 bool BuildFixedMotif(Report& report, Genome& genome, const VSeq& seq, const GeneSet& set,
-                     Param& param);
+                     const FixedMotifOptions& options);
 
 }  // namespace genetrain
 

@@ -1,49 +1,38 @@
 #include "model/ModelFile.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "common/FileBuf.h"
+#include "common/Format.h"
 #include "common/Message.h"
 
 namespace genetrain {
 
 namespace {
 
-enum class Rule { kWord, kDigits, kNonNegative };
-
-// The rule of each scalar section, PHMM ... CD2P in file order.
-constexpr std::array<Rule, 18> kScalarRules = {
-    Rule::kWord,        Rule::kWord,        Rule::kDigits,      Rule::kNonNegative,
-    Rule::kNonNegative, Rule::kNonNegative, Rule::kNonNegative, Rule::kNonNegative,
-    Rule::kNonNegative, Rule::kNonNegative, Rule::kDigits,      Rule::kDigits,
-    Rule::kDigits,      Rule::kNonNegative, Rule::kNonNegative, Rule::kNonNegative,
-    Rule::kNonNegative, Rule::kNonNegative};
-
-constexpr std::size_t kFirstChain = 18;  // COD1
-constexpr std::size_t kFirstRbs = 21;    // RBSS
 constexpr std::size_t kKeyLength = 4;
 
-// Sections copied from the parameters as they stand; the start codons are the builder's.
-bool IsCopiedScalar(std::size_t index) {
-  return index < kFirstChain && (index < 3 || index > 6);
-}
-
-bool Check(Param& param, std::string_view option, Rule rule) {
-  switch (rule) {
-    case Rule::kWord:
-      return param.IsWord(option);
-    case Rule::kDigits:
-      return param.IsUnsigned(option);
-    case Rule::kNonNegative:
-      return param.IsNonNegative(option);
+bool Check(const Param& param, const ModelSection& section) {
+  switch (section.rule) {
+    case ValueRule::kNone:
+      return true;
+    case ValueRule::kWord:
+      return param.IsWord(section.option);
+    case ValueRule::kDigits:
+      return param.IsUnsigned(section.option);
+    case ValueRule::kNonNegative:
+      return param.IsNonNegative(section.option);
   }
   return false;
 }
 
 void RequestRbsSections(Report& report, const Param& param, bool always) {
-  for (std::size_t i = kFirstRbs; i < kModelOptions.size(); ++i) {
-    if (always || param.Has(kModelOptions[i])) report.Request(kModelOptions[i]);
+  for (const ModelSection& section : kModelSections) {
+    if (section.source == SectionSource::kRbs && (always || param.Has(section.option))) {
+      report.Request(section.option);
+    }
   }
 }
 
@@ -55,24 +44,39 @@ bool IsSplit(std::size_t pos, const std::vector<std::size_t>& inserts) {
 
 }  // namespace
 
-bool ValidateModel(Param& param) {
-  for (std::size_t i = 0; i < kScalarRules.size(); ++i) {
-    if (!Check(param, kModelOptions[i], kScalarRules[i])) return false;
+void SetSection(Report& report, const ModelSection& section, std::string value,
+                Placement placement) {
+  std::string label(section.key);
+  label.push_back(' ');
+  if (placement == Placement::kAsSection && section.spansLines && !value.starts_with('\n')) {
+    label.push_back('\n');
   }
-  return param.Has("--COD1") && param.Has("--COD2") && param.Has("--NONC");
+  report.Set(section.option, label, std::move(value));
+}
+
+void SetSection(Report& report, const ModelSection& section, std::int64_t value) {
+  std::string text;
+  AppendInteger(text, value);
+  SetSection(report, section, std::move(text));
+}
+
+bool ValidateModel(const Param& param) {
+  for (const ModelSection& section : kModelSections) {
+    if (!Check(param, section)) return false;
+  }
+  return std::all_of(kModelSections.begin(), kModelSections.end(), [&](const ModelSection& s) {
+    return s.source != SectionSource::kChain || param.Has(s.option);
+  });
 }
 
 bool WriteModel(Report& report, const Param& param, const std::string& name) {
-  for (std::size_t i = 0; i < kFirstChain; ++i) {
-    if (!IsCopiedScalar(i)) continue;
-    const std::string* value = param.Find(kModelOptions[i]);
-    std::string label(kModelKeys[i]);
-    label.push_back(' ');
-    report.Set(kModelOptions[i], label,
-               value != nullptr ? std::string_view(*value) : std::string_view());
-  }
   report.ClearRequests();
-  for (std::size_t i = 0; i < kFirstRbs; ++i) report.Request(kModelOptions[i]);
+  for (const ModelSection& section : kModelSections) {
+    if (section.source == SectionSource::kSetting) {
+      SetSection(report, section, param.ValueOrEmpty(section.option));
+    }
+    if (section.source != SectionSource::kRbs) report.Request(section.option);
+  }
   RequestRbsSections(report, param, false);
   if (param.Has("--fixmotif")) RequestRbsSections(report, param, true);
   return report.Write(name);
@@ -83,8 +87,9 @@ bool WriteModel(Report& report, const Param& param, const std::string& name) {
 // cut by earlier insertions, and the result is built once.
 std::string ModelToParamText(std::string_view text) {
   std::vector<std::size_t> inserts;
-  inserts.reserve(kModelKeys.size());
-  for (std::string_view key : kModelKeys) {
+  inserts.reserve(kModelSections.size());
+  for (const ModelSection& section : kModelSections) {
+    const std::string_view key = section.key;
     std::size_t pos = text.find(key);
     while (pos != std::string_view::npos && IsSplit(pos, inserts)) pos = text.find(key, pos + 1);
     if (pos != std::string_view::npos) inserts.push_back(pos);

@@ -94,22 +94,26 @@ std::string Compare::ResultText(std::uint32_t precision, bool bothEnds, bool sto
   return text;
 }
 
+bool ReadCompareOptions(Param& param, CompareOptions& options) {
+  options.output = param.ValueOrEmpty("--compare");
+  return param.GetWord(options.sourceName, "--source") &&
+         param.GetWord(options.targetName, "--target") &&
+         param.GetOpt(options.precision, "--COMPARE_PRECISION") &&
+         param.GetOpt(options.bothEnds, "--COMPARE_START") &&
+         param.GetOpt(options.stopEnd, "--COMPARE_END");
+}
+
 bool Compare::Run(Param& param) {
-  std::string sourceName;
-  std::string targetName;
-  std::uint32_t precision = 1;
-  bool bothEnds = true;
-  bool stopEnd = true;
-  if (!param.GetWord(sourceName, "--source") || !param.GetWord(targetName, "--target") ||
-      !param.GetOpt(precision, "--COMPARE_PRECISION") ||
-      !param.GetOpt(bothEnds, "--COMPARE_START") || !param.GetOpt(stopEnd, "--COMPARE_END")) {
-    return false;
-  }
-  if (!source.LoadFile(sourceName) || !target.LoadFile(targetName)) return false;
+  CompareOptions options;
+  return ReadCompareOptions(param, options) && Run(options);
+}
+
+bool Compare::Run(const CompareOptions& options) {
+  if (!source.LoadFile(options.sourceName) || !target.LoadFile(options.targetName)) return false;
   if (source.genes.empty() || target.genes.empty()) WriteStdout(kEmptySetWarning);
   Match();
-  Set("--compare", "", ResultText(precision, bothEnds, stopEnd));
-  return Write(param.ValueOrEmpty("--compare"));
+  Set("--compare", "", ResultText(options.precision, options.bothEnds, options.stopEnd));
+  return Write(options.output);
 }
 
 }  // namespace genetrain

@@ -10,12 +10,26 @@
 
 namespace genetrain {
 
+// The settings of the --compare command.
+struct CompareOptions {
+  std::string sourceName;  // --source
+  std::string targetName;  // --target
+  std::string output;      // the value of --compare; empty: standard output
+  std::uint32_t precision = 1;
+  bool bothEnds = true;  // --COMPARE_START: the score of the matches at both ends
+  bool stopEnd = true;   // --COMPARE_END: the score of the matches at the stop end
+};
+
+// Reads the settings in the order their messages appear; the first bad value fails.
+bool ReadCompareOptions(Param& param, CompareOptions& options);
+
 // The agreement of two gene sets: how many genes of `source` have a partner in `target` with
 // the same stop end, and how many with both ends the same. Writes one line of scores.
 class Compare : public Report {
  public:
-  // The --compare command: reads --source and --target, matches and writes the scores to the
-  // file named by the value of --compare (empty: standard output).
+  // The --compare command: reads both gene sets, matches them and writes the scores.
+  bool Run(const CompareOptions& options);
+  // ReadCompareOptions, then the command.
   bool Run(Param& param);
 
   // Fills the four counters. Each source gene is decided by the first target gene (in file

@@ -13,21 +13,10 @@
 
 #include "common/Format.h"
 #include "common/Message.h"
+#include "model/ModelFile.h"
 #include "motif/PositionMatrix.h"
 
 namespace genetrain {
-
-struct Gibbs::Options {
-  std::string model;  // empty: no model output
-  std::string log;    // empty: standard output for the empty-output notice
-  bool has_log = false;
-  std::string gibbs;
-  std::string regions;
-  std::uint32_t precision_matrix = 3;
-  std::uint32_t precision_duration = 3;
-  std::uint32_t pseudocount_matrix = 1;
-  std::uint32_t pseudocount_duration = 1;
-};
 
 namespace {
 
@@ -45,37 +34,39 @@ constexpr std::array<std::uint8_t, 256> kCell = MakeCellTable();
 
 }  // namespace
 
-// The getters print their own messages; the first failure ends the command.
-bool Gibbs::ReadOptions(Param& param, Options& options) {
+bool ReadGibbsOptions(Param& param, GibbsOptions& options) {
   if (param.Has("--mod") && !param.GetWord(options.model, "--mod")) return false;
-  options.has_log = param.Has("--log");
-  if (options.has_log && !param.GetOptWord(options.log, "--log")) return false;
+  options.hasLog = param.Has("--log");
+  if (options.hasLog && !param.GetOptWord(options.log, "--log")) return false;
   return param.GetWord(options.gibbs, "--gibbs") && param.GetWord(options.regions, "--seq") &&
-         param.GetOpt(options.precision_matrix, "--GIBBS_PRECISION_MAT") &&
-         param.GetOpt(options.precision_duration, "--GIBBS_PRECISION_DUR") &&
-         param.GetOpt(options.pseudocount_matrix, "--GIBBS_PSEUDOCOUNTS_MAT") &&
-         param.GetOpt(options.pseudocount_duration, "--GIBBS_PSEUDOCOUNTS_DUR");
+         param.GetOpt(options.precisionMatrix, "--GIBBS_PRECISION_MAT") &&
+         param.GetOpt(options.precisionDuration, "--GIBBS_PRECISION_DUR") &&
+         param.GetOpt(options.pseudocountMatrix, "--GIBBS_PSEUDOCOUNTS_MAT") &&
+         param.GetOpt(options.pseudocountDuration, "--GIBBS_PSEUDOCOUNTS_DUR");
 }
 
 bool Gibbs::Run(Param& param) {
-  Options options;
-  if (!ReadOptions(param, options)) return false;
+  GibbsOptions options;
+  return ReadGibbsOptions(param, options) && Run(options);
+}
+
+bool Gibbs::Run(const GibbsOptions& options) {
   if (!Parse(options.gibbs)) return false;
   if (sites.empty()) return WriteEmptyNotice(options);
   if (!CheckWidth(options.gibbs)) return false;
   VSeq regions;
   if (!regions.ReadRecords(options.regions)) return false;
   if (!ConvertPositions(regions)) return false;
-  if (!BuildDuration(options.pseudocount_duration)) return false;
+  if (!BuildDuration(options.pseudocountDuration)) return false;
   SmoothDuration();
-  if (!BuildMatrix(options.pseudocount_matrix)) return false;
+  if (!BuildMatrix(options.pseudocountMatrix)) return false;
   if (!options.model.empty() && !WriteModel(options)) return false;
-  return !options.has_log || WriteLog(options);
+  return !options.hasLog || WriteLog(options);
 }
 
 // A motif finder that found nothing is no error: the notice goes to the log, or to standard
 // output without one.
-bool Gibbs::WriteEmptyNotice(const Options& options) {
+bool Gibbs::WriteEmptyNotice(const GibbsOptions& options) {
   Set("--log", "Gibbs output is empty: ", options.gibbs);
   ClearRequests();
   Request("--log");
@@ -166,9 +157,9 @@ bool Gibbs::BuildMatrix(std::uint32_t pseudocount) {
       matrix[k][kCell[static_cast<unsigned char>(site[k])]] += 1.0;
   }
   const double added = pseudocount;
-  const double added_row = static_cast<double>(std::uint64_t{4} * pseudocount);
+  const double addedRow = static_cast<double>(std::uint64_t{4} * pseudocount);
   for (std::array<double, 5>& row : matrix) {
-    const double total = row[0] + row[1] + row[2] + row[3] + added_row;
+    const double total = row[0] + row[1] + row[2] + row[3] + addedRow;
     if (total == 0.0) return false;
     for (int cell = 0; cell < 4; ++cell) row[cell] = (row[cell] + added) / total;
   }
@@ -216,19 +207,21 @@ std::string Gibbs::DurationText(bool model, std::uint32_t precision) const {
   return text;
 }
 
-bool Gibbs::WriteModel(const Options& options) {
-  SetInt("--RBSS", "RBSS ", width);
-  Set("--RBSM", "RBSM \n", MatrixText(true, options.precision_matrix));
-  SetInt("--RBSL", "RBSL ", durationLength);
-  Set("--RBSD", "RBSD \n", DurationText(true, options.precision_duration));
+bool Gibbs::WriteModel(const GibbsOptions& options) {
+  SetSection(*this, Section("RBSS"), width);
+  SetSection(*this, Section("RBSM"), MatrixText(true, options.precisionMatrix));
+  SetSection(*this, Section("RBSL"), durationLength);
+  SetSection(*this, Section("RBSD"), DurationText(true, options.precisionDuration));
   ClearRequests();
-  for (const char* key : {"--RBSS", "--RBSM", "--RBSL", "--RBSD"}) Request(key);
+  for (const ModelSection& section : kModelSections) {
+    if (section.source == SectionSource::kRbs) Request(section.option);
+  }
   return Write(options.model, true);
 }
 
-bool Gibbs::WriteLog(const Options& options) {
-  std::string text = DurationText(false, options.precision_duration);
-  text.append(MatrixText(false, options.precision_matrix));
+bool Gibbs::WriteLog(const GibbsOptions& options) {
+  std::string text = DurationText(false, options.precisionDuration);
+  text.append(MatrixText(false, options.precisionMatrix));
   Set("--log", "", std::move(text));
   ClearRequests();
   Request("--log");

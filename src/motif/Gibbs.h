@@ -21,12 +21,30 @@ enum class GibbsLayout {
   kNumMotifs,   // a "Gibbs" line at the top, sites after "Num Motifs"
 };
 
+// The settings of the --gibbs command.
+struct GibbsOptions {
+  std::string model;  // --mod; empty: no model output
+  std::string log;    // empty: standard output for the empty-output notice
+  bool hasLog = false;
+  std::string gibbs;    // the motif finder's output
+  std::string regions;  // --seq: the regions the motif finder searched
+  std::uint32_t precisionMatrix = 3;
+  std::uint32_t precisionDuration = 3;
+  std::uint32_t pseudocountMatrix = 1;
+  std::uint32_t pseudocountDuration = 1;
+};
+
+// Reads the settings in the order their messages appear; the first bad value fails.
+bool ReadGibbsOptions(Param& param, GibbsOptions& options);
+
 // The ribosome binding site model built from a Gibbs sampler's motif sites: the position matrix
 // of the motif and the distribution of the spacer between the motif and the gene start.
 class Gibbs : public Report {
  public:
-  // The --gibbs command: reads the sites of the file named by --gibbs, checks them against the
-  // regions of --seq, appends the RBS sections to the --mod file and a listing to the --log file.
+  // The --gibbs command: reads the sites of the motif finder's file, checks them against the
+  // regions, appends the RBS sections to the model file and a listing to the log.
+  bool Run(const GibbsOptions& options);
+  // ReadGibbsOptions, then the command.
   bool Run(Param& param);
 
   // kNumMotifs when one of the first eleven lines begins with "Gibbs", else kMotif; kUnreadable,
@@ -60,12 +78,10 @@ class Gibbs : public Report {
   std::int32_t durationLength = 0;  // region length, then the number of spacer values
 
  private:
-  struct Options;
-  bool ReadOptions(Param& param, Options& options);
   bool CheckWidth(const std::string& name);
-  bool WriteEmptyNotice(const Options& options);
-  bool WriteModel(const Options& options);
-  bool WriteLog(const Options& options);
+  bool WriteEmptyNotice(const GibbsOptions& options);
+  bool WriteModel(const GibbsOptions& options);
+  bool WriteLog(const GibbsOptions& options);
 
   // One line that may hold a site: `tokens` holds `count` tokens, `full` says whether both
   // flanks are there. Appends the site when the tokens check, and warns when the region number

@@ -9,8 +9,8 @@
 #include <limits>
 #include <optional>
 #include <random>
+#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "TestSupport.h"
@@ -20,53 +20,53 @@ namespace {
 
 using test::Capture;
 using test::CodesOf;
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
-// The word index of a word in letters.
+MkChain Chain(int order, int period, int countOrder) {
+  ChainSettings settings;
+  settings.countOrder = countOrder;
+  return MkChain(order, period, settings);
+}
+
 std::size_t Word(const std::string& letters) {
   std::size_t index = 0;
   for (const std::uint8_t code : CodesOf(letters)) index = index * 4 + code;
   return index;
 }
 
-// The reverse-complement index built letter by letter, as the definition reads.
-std::uint32_t ReverseComplementByDefinition(std::uint32_t word, int letters) {
-  std::uint32_t r = 0;
-  for (int i = 0; i < letters; ++i) {
-    r = (r * 4 + (word % 4)) ^ 3;
-    word /= 4;
+// The printed table of `rows` rows, each `fill` but the words given as "AA TT:value; ...".
+std::string Table(std::size_t rows, const std::string& fill, std::string_view words = "") {
+  std::vector<std::string> lines(rows, fill);
+  while (!words.empty()) {
+    const std::size_t end = std::min(words.find(';'), words.size());
+    const std::string_view group = words.substr(0, end);
+    const std::size_t colon = group.find(':');
+    std::istringstream names{std::string(group.substr(0, colon))};
+    for (std::string word; names >> word;) lines[Word(word)] = group.substr(colon + 1);
+    words.remove_prefix(std::min(end + 2, words.size()));
   }
-  return r;
-}
-
-// A period-3 chain with the given margins and pseudocount, estimated from the sequences.
-MkChain Coding(int order, const std::vector<std::string>& sequences, int left, int right,
-               int pseudocount) {
-  MkChain chain(order, 3, order);
-  std::vector<CodeSeq> list;
-  for (const std::string& letters : sequences) list.push_back(CodesOf(letters));
-  EXPECT_TRUE(chain.Estimate(list, left, right, pseudocount));
-  return chain;
-}
-
-std::string Column(const std::vector<std::string>& rows) {
   std::string text = "\n";
-  for (const std::string& row : rows) text.append(row).push_back('\n');
+  for (const std::string& line : lines) text.append(line).push_back('\n');
   return text;
 }
 
+std::vector<CodeSeq> Codes(const std::vector<std::string>& sequences) {
+  std::vector<CodeSeq> list;
+  for (const std::string& letters : sequences) list.push_back(CodesOf(letters));
+  return list;
+}
+
+// The reverse-complement index built letter by letter, as the definition reads.
+std::uint32_t ReverseComplementByDefinition(std::uint32_t word, int letters) {
+  std::uint32_t r = 0;
+  for (int i = 0; i < letters; ++i, word /= 4) r = (r * 4 + (word % 4)) ^ 3;
+  return r;
+}
+
 TEST(MkChainTest, ReverseComplementIndex) {
-  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("A"), 1), Word("T"));
-  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("AC"), 2), Word("GT"));
   EXPECT_EQ(MkChain::ReverseComplementIndex(Word("AAC"), 3), Word("GTT"));
-  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("AT"), 2), Word("AT"));
-  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("ACGTTGCAAC"), 10), Word("GTTGCAACGT"));
-  EXPECT_EQ(MkChain::ReverseComplementIndex(0, 15), (1u << 30) - 1);
+  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("GGAC"), 2), Word("GT"));  // the last letters
   EXPECT_EQ(MkChain::ReverseComplementIndex(5, 0), 0u);
   EXPECT_EQ(MkChain::ReverseComplementIndex(5, -1), 0u);
-  // Only the last `letters` letters of the index count.
-  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("GGAC"), 2), Word("GT"));
   std::mt19937 random(7);
   for (int letters = 1; letters <= 15; ++letters) {
     for (int i = 0; i < 2000; ++i) {
@@ -78,269 +78,103 @@ TEST(MkChainTest, ReverseComplementIndex) {
   }
 }
 
-TEST(MkChainTest, ConstructorReadsOptions) {
-  Param param;
-  param.Set("--order_non", "1");
-  param.Set("--MKCHAIN_L_MARGING", "6");
-  param.Set("--MKCHAIN_R_MARGING", "0");
-  param.Set("--MKCHAIN_PSEUDOCOUNTS", "2");
-  param.Set("--MKCHAIN_PRECISION", "3");
-  param.Set("--revcomp_non", "0.5");
-  const MkChain noncoding(4, 1, param);
-  EXPECT_EQ(noncoding.count_order, 1);
-  EXPECT_EQ(noncoding.left_margin, 6);
-  EXPECT_EQ(noncoding.right_margin, 0);
-  EXPECT_EQ(noncoding.pseudocount, 2);
-  EXPECT_EQ(noncoding.precision, 3);
-  EXPECT_TRUE(noncoding.revcomp);
-  EXPECT_EQ(noncoding.tables[0].size(), 1024u);
-  // Coding chains count at their order, whatever --order_non says, even above the order.
-  const MkChain coding(4, 3, param);
-  EXPECT_EQ(coding.count_order, 4);
-  param.Set("--order_non", "9");
-  EXPECT_EQ(MkChain(4, 3, param).count_order, 4);
-  // -1 stands for the order.
-  param.Set("--order_non", "-1");
-  EXPECT_EQ(MkChain(4, 1, param).count_order, 4);
+// A chain of (order, period, count order) estimated from the sequences with (left margin, right
+// margin, pseudocount), against its table worked out by hand.
+void ExpectChain(const char* what, std::array<int, 3> chain, std::array<int, 3> trim, bool revcomp,
+                 const std::vector<std::string>& sequences, const std::string& expected) {
+  MkChain made = Chain(chain[0], chain[1], chain[2]);
+  made.revcomp = revcomp;
+  ASSERT_TRUE(made.Estimate(Codes(sequences), trim[0], trim[1], trim[2])) << what;
+  EXPECT_EQ(made.ToText(), expected) << what;
 }
 
-TEST(MkChainTest, MalformedOptionsAreReportedAndKeepDefaults) {
-  Param param;
-  param.Set("--order_non", "1.5");
-  param.Set("--MKCHAIN_L_MARGING", "-3");
-  param.Set("--MKCHAIN_PSEUDOCOUNTS", "+1");
-  param.Set("--MKCHAIN_PRECISION", "4 digits");
-  param.Set("--revcomp_non", "yes");
-  CaptureStderr();
-  const MkChain chain(2, 1, param);
-  EXPECT_EQ(GetCapturedStderr(),
-            "error in value of parameter --order_non: 1.5\n"
-            "error in value of parameter --MKCHAIN_L_MARGING: -3\n"
-            "error in value of parameter --MKCHAIN_PSEUDOCOUNTS: +1\n"
-            "error in value of parameter --MKCHAIN_PRECISION: 4 digits\n"
-            "error in value of parameter --revcomp_non: yes\n"
-            "error in value of parameter --revcomp_non: yes\n");
-  EXPECT_EQ(chain.count_order, 2);
-  EXPECT_EQ(chain.left_margin, 3);
-  EXPECT_EQ(chain.pseudocount, 1);
-  EXPECT_EQ(chain.precision, 5);
-  EXPECT_FALSE(chain.revcomp);
-}
-
-TEST(MkChainTest, OrderZeroFromOneSequence) {
-  MkChain chain(0, 1, 0);
-  ASSERT_TRUE(chain.Estimate(CodesOf("ACGTAC")));  // A 2, C 2, G 1, T 1; (count + 1) / (6 + 4)
-  EXPECT_EQ(chain.ToText(), Column({"0.30000", "0.30000", "0.20000", "0.20000"}));
-  // Each entry is the quotient itself (3 * (1 / 10) would be one unit in the last place off).
-  EXPECT_EQ(chain.tables[0], (std::vector<double>{3.0 / 10, 3.0 / 10, 2.0 / 10, 2.0 / 10}));
-  // The whole sequence counts: the margins play no part here.
-  EXPECT_EQ(chain.left_margin, 3);
-}
-
-TEST(MkChainTest, PseudocountWeighsEveryWord) {
-  MkChain none(0, 1, 0);
-  ASSERT_TRUE(none.Estimate({CodesOf("ACGTAC")}, 0, 0, 0));
-  EXPECT_EQ(none.ToText(), Column({"0.33333", "0.33333", "0.16667", "0.16667"}));
-  MkChain two(0, 1, 0);
-  ASSERT_TRUE(two.Estimate({CodesOf("ACGTAC")}, 0, 0, 2));  // (count + 2) / (6 + 8)
-  EXPECT_EQ(two.ToText(), Column({"0.28571", "0.28571", "0.21429", "0.21429"}));
-  // The chain's own pseudocount in the single-sequence form.
-  MkChain own(0, 1, 0);
-  own.pseudocount = 0;
-  ASSERT_TRUE(own.Estimate(CodesOf("AAAC")));
-  EXPECT_EQ(own.ToText(), Column({"0.75000", "0.25000", "0.00000", "0.00000"}));
-}
-
-TEST(MkChainTest, OrderOneFromOneSequence) {
-  // Words AA, AC, CG, GA; with pseudocount 1: (1 + 1) / (4 + 16) and 1 / 20.
-  MkChain chain(1, 1, 1);
-  ASSERT_TRUE(chain.Estimate(CodesOf("AACGA")));
-  std::vector<std::string> rows(16, "0.05000");
-  for (const char* word : {"AA", "AC", "CG", "GA"}) rows[Word(word)] = "0.10000";
-  EXPECT_EQ(chain.ToText(), Column(rows));
-}
-
-// ATG ACG ACT GCA TAA: margins 3 and 3 leave ACGACTGCA; frame 0 starts at its first letter.
-TEST(MkChainTest, OrderZeroPeriodThreeFramesFollowTheLeftMargin) {
-  const MkChain chain = Coding(0, {"ATGACGACTGCATAA"}, 3, 3, 1);
-  // Frame 0: A, A, G; frame 1: C, C, C; frame 2: G, T, A; (count + 1) / (3 + 4).
-  EXPECT_EQ(chain.ToText(), Column({"0.42857 0.14286 0.28571", "0.14286 0.57143 0.14286",
-                                    "0.28571 0.14286 0.28571", "0.14286 0.14286 0.28571"}));
-  // One more letter on the left: CGACTGCA, frame 0 now holds the codons' second letters.
-  const MkChain shifted = Coding(0, {"ATGACGACTGCATAA"}, 4, 3, 1);
-  // Frame 0: C, C, C; frame 1: G, T, A; frame 2: A, G.
-  EXPECT_EQ(shifted.ToText(), Column({"0.14286 0.28571 0.33333", "0.57143 0.14286 0.16667",
-                                      "0.14286 0.28571 0.33333", "0.14286 0.28571 0.16667"}));
-}
-
-TEST(MkChainTest, OrderOnePeriodThree) {
-  // A|TG AAA CCC TAA without margins: words end at offsets 1..11, frame 0 at offset 1.
-  const MkChain chain = Coding(1, {"ATGAAACCCTAA"}, 0, 0, 1);
-  // Frame 0: AT, AA, CC, TA; frame 1: TG, AA, CC, AA; frame 2: GA, AC, CT.
-  std::vector<std::string> f0(16, "0.05000"), f1(16, "0.05000"), f2(16, "0.05263");
-  for (const char* word : {"AT", "AA", "CC", "TA"}) f0[Word(word)] = "0.10000";
-  f1[Word("AA")] = "0.15000";
-  for (const char* word : {"TG", "CC"}) f1[Word(word)] = "0.10000";
-  for (const char* word : {"GA", "AC", "CT"}) f2[Word(word)] = "0.10526";
-  std::vector<std::string> rows;
-  for (std::size_t i = 0; i < 16; ++i) rows.push_back(f0[i] + " " + f1[i] + " " + f2[i]);
-  EXPECT_EQ(chain.ToText(), Column(rows));
-}
-
-TEST(MkChainTest, UnknownLettersBreakWordsButFramesAdvance) {
-  // ACNGTAC: AC (frame 0), CN and NG not counted (frames 1 and 2), GT (0), TA (1), AC (2).
+TEST(MkChainTest, HandComputedChains) {
+  ExpectChain("A 2, C 2, G 1, T 1: (count + 1) / (6 + 4)", {0, 1, 0}, {0, 0, 1}, false, {"ACGTAC"},
+              Table(4, "0.20000", "A C:0.30000"));
+  ExpectChain("no pseudocount", {0, 1, 0}, {0, 0, 0}, false, {"ACGTAC"},
+              Table(4, "0.16667", "A C:0.33333"));
+  ExpectChain("(count + 2) / (6 + 8)", {0, 1, 0}, {0, 0, 2}, false, {"ACGTAC"},
+              Table(4, "0.21429", "A C:0.28571"));
+  ExpectChain("AA, AC, CG, GA of 4, plus 1 each of 16", {1, 1, 1}, {0, 0, 1}, false, {"AACGA"},
+              Table(16, "0.05000", "AA AC CG GA:0.10000"));
+  // Margins 3 and 3 leave ACGACTGCA; frame 0 starts at its first letter: A A G, C C C, G T A.
+  ExpectChain("frames follow the left margin", {0, 3, 0}, {3, 3, 1}, false, {"ATGACGACTGCATAA"},
+              "\n0.42857 0.14286 0.28571\n0.14286 0.57143 0.14286\n0.28571 0.14286 0.28571\n"
+              "0.14286 0.14286 0.28571\n");
+  // One more letter on the left: C C C, G T A, A G.
+  ExpectChain("frames shift", {0, 3, 0}, {4, 3, 1}, false, {"ATGACGACTGCATAA"},
+              "\n0.14286 0.28571 0.33333\n0.57143 0.14286 0.16667\n0.14286 0.28571 0.33333\n"
+              "0.14286 0.28571 0.16667\n");
+  // Frame 0: AT AA CC TA; frame 1: TG AA CC AA; frame 2: GA AC CT.
+  ExpectChain("order 1, period 3", {1, 3, 1}, {0, 0, 1}, false, {"ATGAAACCCTAA"},
+              Table(16, "0.05000 0.05000 0.05263",
+                    "AT TA:0.10000 0.05000 0.05263; AA:0.10000 0.15000 0.05263; "
+                    "CC:0.10000 0.10000 0.05263; TG:0.05000 0.10000 0.05263; "
+                    "GA AC CT:0.05000 0.05000 0.10526"));
+  // AC (frame 0), CN and NG not counted (frames 1, 2), GT (0), TA (1), AC (2); X the same.
   for (const char* letters : {"ACNGTAC", "ACXGTAC"}) {
-    const MkChain chain = Coding(1, {letters}, 0, 0, 0);
-    std::vector<std::string> rows(16, "0.00000 0.00000 0.00000");
-    rows[Word("AC")] = "0.50000 0.00000 1.00000";
-    rows[Word("GT")] = "0.50000 0.00000 0.00000";
-    rows[Word("TA")] = "0.00000 1.00000 0.00000";
-    EXPECT_EQ(chain.ToText(), Column(rows)) << letters;
+    ExpectChain(letters, {1, 3, 1}, {0, 0, 0}, false, {letters},
+                Table(16, "0.00000 0.00000 0.00000",
+                      "AC:0.50000 0.00000 1.00000; GT:0.50000 0.00000 0.00000; "
+                      "TA:0.00000 1.00000 0.00000"));
   }
-  // A stretch of exactly the count order loads the word and counts nothing.
-  MkChain chain(2, 1, 2);
-  ASSERT_TRUE(chain.Estimate({CodesOf("AC"), CodesOf("ACGN"), CodesOf("TTT")}, 0, 0, 0));
-  std::vector<std::string> rows(64, "0.00000");
-  rows[Word("ACG")] = "0.50000";
-  rows[Word("TTT")] = "0.50000";
-  EXPECT_EQ(chain.ToText(), Column(rows));
-}
-
-TEST(MkChainTest, ShortSequencesAreSkipped) {
-  // Length 6 with margins 3 and 3 gives nothing; length 7 gives one letter.
-  MkChain chain(0, 1, 0);
-  ASSERT_TRUE(chain.Estimate({CodesOf("GGGCCC"), CodesOf("TTTATTT")}, 3, 3, 0));
-  EXPECT_EQ(chain.tables[0], (std::vector<double>{1, 0, 0, 0}));
-}
-
-TEST(MkChainTest, ReverseStrandWithSwappedMargins) {
-  // AACGT with margins 1 and 0: forward ACGT gives AC, CG, GT; the reverse strand of AACG
-  // (the margins swap ends) reads CGTT: CG, GT, TT. Symmetrised: AC = GT = 1.5, CG = 2,
-  // AA = TT = 0.5, of 6.
-  MkChain chain(1, 1, 1);
-  chain.revcomp = true;
-  ASSERT_TRUE(chain.Estimate({CodesOf("AACGT")}, 1, 0, 0));
-  std::vector<std::string> rows(16, "0.00000");
-  rows[Word("AC")] = rows[Word("GT")] = "0.25000";
-  rows[Word("CG")] = "0.33333";
-  rows[Word("AA")] = rows[Word("TT")] = "0.08333";
-  EXPECT_EQ(chain.ToText(), Column(rows));
-}
-
-TEST(MkChainTest, ReverseStrandMakesWordsAndComplementsEqual) {
-  MkChain chain(3, 1, 3);
-  chain.revcomp = true;
-  ASSERT_TRUE(chain.Estimate({CodesOf("ATGGCGTTACCAGNTTACAGGGACTTTACGCGAAAT"), CodesOf("CCCGGGAT")},
-                             2, 1, 1));
-  for (std::uint32_t word = 0; word < 256; ++word) {
-    ASSERT_EQ(chain.tables[0][word], chain.tables[0][MkChain::ReverseComplementIndex(word, 4)]);
-  }
-  // Period 3 never counts the reverse strand.
-  MkChain coding(0, 3, 0);
-  coding.revcomp = true;
-  ASSERT_TRUE(coding.Estimate({CodesOf("AAA")}, 0, 0, 0));
-  EXPECT_EQ(coding.tables[0], (std::vector<double>{1, 0, 0, 0}));
-  // Without symmetrising, one sequence on both strands: AAC and GTT.
-  MkChain whole(0, 1, 0);
-  whole.revcomp = true;
+  ExpectChain("a stretch of the count order counts nothing", {2, 1, 2}, {0, 0, 0}, false,
+              {"AC", "ACGN", "TTT"}, Table(64, "0.00000", "ACG TTT:0.50000"));
+  ExpectChain("6 letters within margins 3 and 3 give nothing", {0, 1, 0}, {3, 3, 0}, false,
+              {"GGGCCC", "TTTATTT"}, Table(4, "0.00000", "A:1.00000"));
+  // Forward ACGT: AC CG GT; reverse strand of AACG (margins swap ends) CGTT: CG GT TT;
+  // symmetrised: AC = GT = 1.5, CG = 2, AA = TT = 0.5, of 6.
+  ExpectChain("reverse strand with swapped margins", {1, 1, 1}, {1, 0, 0}, true, {"AACGT"},
+              Table(16, "0.00000", "AC GT:0.25000; CG:0.33333; AA TT:0.08333"));
+  ExpectChain("period 3 never counts the reverse strand", {0, 3, 0}, {0, 0, 0}, true, {"AAA"},
+              Table(4, "0.00000 0.00000 0.00000", "A:1.00000 1.00000 1.00000"));
+  // A 3/7, C 1/7, G 1/7, T 2/7; products symmetrised, of 49: AA = TT = 6.5, AT = TA = 6,
+  // CC = CG = GC = GG = 1, the rest 2.5.
+  ExpectChain("order 1 from count order 0", {1, 1, 0}, {0, 0, 1}, false, {"AAT"},
+              Table(16, "0.05102", "AA TT:0.13265; AT TA:0.12245; CC CG GC GG:0.02041"));
+  // A 2/3, T 1/3; AA = TT = 5/18, AT = TA = 4/18; after A: A 5/9, T 4/9; after T: A 4/9,
+  // T 5/9. AAA 25, AAT 20, ATA 20, ATT 16, TAA 16, TAT 20, TTA 20, TTT 25 of 162, and
+  // symmetrised AAT = ATT = TAA = TTA = 18.
+  ExpectChain("order 2 from count order 0", {2, 1, 0}, {0, 0, 0}, false, {"AAT"},
+              Table(64, "0.00000", "AAA TTT:0.15432; ATA TAT:0.12346; AAT ATT TAA TTA:0.11111"));
+  // AC = CA = AG = 1/3. Group A: C and G, 1/2 each; group C: A only. ACC = ACG = AGC = AGG
+  // = 1/6, CAA = 1/3, symmetrised with GGT, CGT, GCT, CCT, TTG. ACA stays 0: the letter after
+  // AC is weighed by the group of its first letter A.
+  ExpectChain("extension weighs by the first letters", {2, 1, 1}, {0, 0, 0}, false, {"ACAG"},
+              Table(64, "0.00000", "ACC GGT ACG CGT AGC GCT AGG CCT:0.08333; CAA TTG:0.16667"));
+  // One sequence taken whole, without margins; each entry is the quotient itself (3 * (1 / 10)
+  // would be one unit in the last place off).
+  MkChain exact = Chain(0, 1, 0);
+  ASSERT_TRUE(exact.Estimate(CodesOf("ACGTAC")));
+  EXPECT_EQ(exact.tables[0], (std::vector<double>{3.0 / 10, 3.0 / 10, 2.0 / 10, 2.0 / 10}));
+  // The chain's own pseudocount, both strands unsymmetrised.
+  MkChain whole = Chain(0, 1, 0);
   whole.pseudocount = 0;
+  whole.revcomp = true;
   ASSERT_TRUE(whole.Estimate(CodesOf("AAC")));
-  EXPECT_EQ(whole.ToText(), Column({"0.33333", "0.16667", "0.16667", "0.33333"}));
-}
-
-TEST(MkChainTest, OrderOneFromCountOrderZero) {
-  // AAT: A 3/7, C 1/7, G 1/7, T 2/7 with pseudocount 1; the products are symmetrised, of 49:
-  // AA = TT = 6.5, AT = TA = 6, CC = CG = GC = GG = 1, the rest 2.5.
-  MkChain chain(1, 1, 0);
-  ASSERT_TRUE(chain.Estimate({CodesOf("AAT")}, 0, 0, 1));
-  std::vector<std::string> rows(16, "0.05102");
-  rows[Word("AA")] = rows[Word("TT")] = "0.13265";
-  rows[Word("AT")] = rows[Word("TA")] = "0.12245";
-  for (const char* word : {"CC", "CG", "GC", "GG"}) rows[Word(word)] = "0.02041";
-  EXPECT_EQ(chain.ToText(), Column(rows));
-}
-
-TEST(MkChainTest, OrderTwoFromCountOrderZero) {
-  // AAT, no pseudocount: A 2/3, T 1/3. Two letters: AA = TT = 5/18, AT = TA = 4/18. Three
-  // letters from the group of the first letter: after A, A 5/9 and T 4/9; after T, A 4/9 and
-  // T 5/9. So AAA 25, AAT 20, ATA 20, ATT 16, TAA 16, TAT 20, TTA 20, TTT 25 (of 162), and
-  // symmetrised: AAT = ATT = TAA = TTA = 18.
-  MkChain chain(2, 1, 0);
-  ASSERT_TRUE(chain.Estimate({CodesOf("AAT")}, 0, 0, 0));
-  std::vector<std::string> rows(64, "0.00000");
-  rows[Word("AAA")] = rows[Word("TTT")] = "0.15432";
-  rows[Word("ATA")] = rows[Word("TAT")] = "0.12346";
-  for (const char* word : {"AAT", "ATT", "TAA", "TTA"}) rows[Word(word)] = "0.11111";
-  EXPECT_EQ(chain.ToText(), Column(rows));
-}
-
-TEST(MkChainTest, ExtensionWeighsByTheFirstLettersOfTheWord) {
-  // Count order 1 on ACAG, no pseudocount, no reverse strand: AC = CA = AG = 1/3. Group A
-  // (words AA..AT): C and G, 1/2 each; group C: A only. So ACC = ACG = AGC = AGG = 1/6 and
-  // CAA = 1/3; symmetrised with GGT, CGT, GCT, CCT and TTG. ACA stays 0: the letter after AC is
-  // weighed by the group of its first letter A, not by the letters that follow C.
-  MkChain chain(2, 1, 1);
-  ASSERT_TRUE(chain.Estimate({CodesOf("ACAG")}, 0, 0, 0));
-  std::vector<std::string> rows(64, "0.00000");
-  for (const char* word : {"ACC", "GGT", "ACG", "CGT", "AGC", "GCT", "AGG", "CCT"}) {
-    rows[Word(word)] = "0.08333";
-  }
-  rows[Word("CAA")] = rows[Word("TTG")] = "0.16667";
-  EXPECT_EQ(chain.ToText(), Column(rows));
+  EXPECT_EQ(whole.ToText(), Table(4, "0.16667", "A T:0.33333"));
 }
 
 TEST(MkChainTest, SetRandom) {
-  MkChain chain(1, 3, 1);
+  MkChain chain = Chain(1, 3, 1);
   chain.SetRandom(0.6);  // A = T = 0.2, C = G = 0.3
-  std::vector<std::string> rows;
-  for (const char* value :
-       {"0.04000", "0.06000", "0.06000", "0.04000", "0.06000", "0.09000", "0.09000", "0.06000",
-        "0.06000", "0.09000", "0.09000", "0.06000", "0.04000", "0.06000", "0.06000", "0.04000"}) {
-    rows.push_back(std::string(value) + " " + value + " " + value);
-  }
-  EXPECT_EQ(chain.ToText(), Column(rows));
-  // No range check: probabilities below zero print as the smallest step.
-  MkChain odd(0, 1, 0);
-  odd.SetRandom(1.2);  // A = T = -0.1, C = G = 0.6
-  EXPECT_EQ(odd.ToText(), Column({"0.00001", "0.60000", "0.60000", "0.00001"}));
-  MkChain three(2, 1, 2);
-  three.SetRandom(0.5);
-  for (const double value : three.tables[0]) ASSERT_EQ(value, 1.0 / 64);
-  three.SetRandom(0.0);
-  EXPECT_EQ(three.tables[0][Word("ATA")], 0.125);
-  EXPECT_EQ(three.tables[0][Word("ATC")], 0.0);
-}
-
-TEST(MkChainTest, PrintingFloorsTinyValues) {
-  MkChain chain(0, 1, 0);
-  chain.tables[0] = {0.000003, 0.0, -0.5, std::numeric_limits<double>::quiet_NaN()};
-  EXPECT_EQ(chain.ToText(), Column({"0.00001", "0.00000", "0.00001", "0.00001"}));
-  chain.tables[0] = {0.00001, 0.000015, 0.999996, 2.5};
-  EXPECT_EQ(chain.ToText(), Column({"0.00001", "0.00002", "1.00000", "2.50000"}));
-  chain.tables[0] = {0.3, 0.0, 2.0, 0.5};
-  EXPECT_EQ(chain.ToText(0), Column({"1.", "0.", "2.", "1."}));
-  chain.tables[0] = {1e-11, 0.25, 0.123456789012, 0.0};
-  EXPECT_EQ(chain.ToText(10),
-            Column({"0.0000000001", "0.2500000000", "0.1234567890", "0.0000000000"}));
-  chain.precision = 2;
-  EXPECT_EQ(chain.ToText(), Column({"0.01", "0.25", "0.12", "0.00"}));
+  EXPECT_EQ(chain.ToText(), Table(16, "0.06000 0.06000 0.06000",
+                                  "AA AT TA TT:0.04000 0.04000 0.04000; "
+                                  "CC CG GC GG:0.09000 0.09000 0.09000"));
 }
 
 TEST(MkChainTest, PrintingMatchesPrintfOnManyValues) {
   std::mt19937_64 random(11);
   std::uniform_real_distribution<double> unit(0, 1);
-  MkChain chain(4, 3, 4);
+  MkChain chain = Chain(4, 3, 4);
   for (int digits = 0; digits <= 10; ++digits) {
     for (std::vector<double>& table : chain.tables) {
-      for (double& value : table) {
+      for (double& value : table)
         value = std::ldexp(unit(random), -static_cast<int>(random() % 30));
-      }
     }
-    // Ties in decimal at the printed precision.
-    chain.tables[0][0] = 0.125;
+    chain.tables[0][0] = 0.125;  // ties in decimal at the printed precision
     chain.tables[1][0] = 0.375;
     chain.tables[2][0] = 2.5;
-    const std::optional<std::string> text = chain.ToText(digits);
     const double step = std::pow(10.0, -digits);
     std::string expected = "\n";
     for (std::size_t word = 0; word < chain.tables[0].size(); ++word) {
@@ -352,34 +186,21 @@ TEST(MkChainTest, PrintingMatchesPrintfOnManyValues) {
         expected.append(number).push_back(f == 2 ? '\n' : ' ');
       }
     }
-    ASSERT_EQ(text, expected) << digits;
+    ASSERT_EQ(chain.ToText(digits), expected) << digits;
   }
-}
-
-TEST(MkChainTest, OtherTableCountsPrintOnlyTheNewline) {
-  MkChain chain(1, 3, 1);
-  chain.SetRandom(0.5);
-  chain.tables.resize(2);
-  EXPECT_EQ(chain.ToText(), "\n");
-  chain.tables.clear();
-  EXPECT_EQ(chain.ToText(), "\n");
-}
-
-TEST(MkChainTest, EstimatesAddUp) {
-  MkChain chain(0, 1, 0);
-  ASSERT_TRUE(chain.Estimate({CodesOf("A")}, 0, 0, 0));
-  ASSERT_TRUE(chain.Estimate({CodesOf("C")}, 0, 0, 0));  // adds 1 to A = 1: A = 1/2, C = 1/2
-  EXPECT_EQ(chain.tables[0], (std::vector<double>{0.5, 0.5, 0, 0}));
+  // Negatives and NaN print as the smallest step too.
+  MkChain odd = Chain(0, 1, 0);
+  odd.tables[0] = {-0.5, std::numeric_limits<double>::quiet_NaN(), 0.0, 1.0};
+  EXPECT_EQ(odd.ToText(), "\n0.00001\n0.00001\n0.00000\n1.00000\n");
 }
 
 TEST(MkChainTest, WrittenTextIsTheTextInSlices) {
   // Order 7 in three frames: 65,536 rows of 36 bytes, more than two slices of the writer.
-  MkChain chain(7, 3, 7);
+  MkChain chain = Chain(7, 3, 7);
   std::mt19937 random(3);
-  std::uniform_int_distribution<int> base(0, 4);
   std::vector<CodeSeq> genes(40, CodeSeq(3000));
   for (CodeSeq& gene : genes) {
-    for (std::uint8_t& code : gene) code = static_cast<std::uint8_t>(base(random));
+    for (std::uint8_t& code : gene) code = static_cast<std::uint8_t>(random() % 5);
   }
   chain.precision = 9;
   ASSERT_TRUE(chain.Estimate(genes));
@@ -393,131 +214,55 @@ TEST(MkChainTest, WrittenTextIsTheTextInSlices) {
   EXPECT_GT(written.size(), std::size_t{1} << 20);
 }
 
-std::vector<CodeSeq> One(const std::string& letters) {
-  return {CodesOf(letters)};
-}
-
-// An invalid setting prints its message once and leaves the chain without tables: a table of the
-// asked order could not even be held.
-void ExpectInvalid(int order, int period, int count_order, const std::string& message) {
-  CaptureStderr();
-  const MkChain chain(order, period, count_order);
-  EXPECT_EQ(GetCapturedStderr(), message) << order << " " << period << " " << count_order;
-  EXPECT_FALSE(chain.Valid());
-  EXPECT_TRUE(chain.tables.empty());
-}
-
-TEST(MkChainFailureTest, InvalidSettings) {
-  ExpectInvalid(15, 1, 15, "error: order 15\n");
-  ExpectInvalid(-1, 1, 0, "error: order -1\n");
-  ExpectInvalid(14, 1, 15, "error: order 15\n");
-  ExpectInvalid(5, 1, -2, "error: order -2\n");
-  ExpectInvalid(5, 1, 6, "error: order_count 6 is higher than order 5\n");
-  ExpectInvalid(2, 2, 2, "error: period 2\n");
-  ExpectInvalid(2, 0, 2, "error: period 0\n");
-  // Valid settings print nothing (small orders: a chain of order 14 would take 8.6 GB).
-  for (const auto& [order, period, count_order] :
-       {std::array{3, 1, 0}, std::array{3, 3, 3}, std::array{0, 1, 0}, std::array{1, 1, 1}}) {
-    CaptureStderr();
-    const MkChain valid(order, period, count_order);
-    EXPECT_EQ(GetCapturedStderr(), "");
-    EXPECT_TRUE(valid.Valid());
-    EXPECT_EQ(valid.tables.size(), static_cast<std::size_t>(period));
-  }
-}
-
-// The options are read up to the invalid setting and no further, as when the process ended there.
-TEST(MkChainFailureTest, InvalidSettingsFromOptionsStopTheReading) {
+TEST(MkChainSettings, ReadFromTheOptionsUpToAnInvalidChain) {
   Param param;
+  ASSERT_TRUE(param.Load(
+      "--order_non 1 --MKCHAIN_L_MARGING 6 --MKCHAIN_R_MARGING 0 --MKCHAIN_PSEUDOCOUNTS +1 "
+      "--MKCHAIN_PRECISION 3 --revcomp_non 0.5"));
+  test::Outcome printed = Capture([&] {
+    const ChainSettings s = ReadChainSettings(param, 4, 1);
+    return s.countOrder == 1 && s.leftMargin == 6 && s.rightMargin == 0 && s.pseudocount == 1 &&
+           s.precision == 3 && s.revcomp;
+  });
+  EXPECT_TRUE(printed.ok);
+  EXPECT_EQ(printed.err, "error in value of parameter --MKCHAIN_PSEUDOCOUNTS: +1\n");
+  // Coding chains count at their order whatever --order_non says; -1 stands for the order.
+  EXPECT_TRUE(Capture([&] { return MkChain(4, 3, param).countOrder == 4; }).ok);
+  param.Set("--order_non", "-1");
+  EXPECT_TRUE(Capture([&] { return MkChain(4, 1, param).countOrder == 4; }).ok);
+  // An invalid chain reads no tuning option, so only its own message appears.
   param.Set("--order_non", "6");
-  param.Set("--MKCHAIN_PSEUDOCOUNTS", "+1");
-  for (const bool deferred : {false, true}) {
-    CaptureStderr();
-    const MkChain chain =
-        deferred ? MkChain(5, 1, param, MkChain::Deferred{}) : MkChain(5, 1, param);
-    EXPECT_EQ(GetCapturedStderr(), "error: order_count 6 is higher than order 5\n");
-    EXPECT_FALSE(chain.Valid());
-    EXPECT_TRUE(chain.tables.empty());
+  EXPECT_EQ(Capture([&] { return MkChain(5, 1, param).Valid(); }).err,
+            "error: order_count 6 is higher than order 5\n");
+}
+
+// The settings and estimate arguments no option can give, and their messages.
+TEST(MkChainFailureTest, InvalidSettingsAndEstimates) {
+  for (const auto& [s, message] : {std::pair{std::array{-1, 1, 0}, "error: order -1\n"},
+                                   std::pair{std::array{14, 1, 15}, "error: order 15\n"},
+                                   std::pair{std::array{5, 1, -2}, "error: order -2\n"},
+                                   std::pair{std::array{2, 2, 2}, "error: period 2\n"}}) {
+    std::optional<MkChain> chain;
+    EXPECT_EQ(Capture([&] { return chain.emplace(Chain(s[0], s[1], s[2])).Valid(); }).err, message);
+    EXPECT_TRUE(chain->tables.empty()) << message;  // a table of the order could not be held
   }
-  param.Set("--order_non", "-2");
-  CaptureStderr();
-  const MkChain negative(5, 1, param);
-  EXPECT_EQ(GetCapturedStderr(), "error: order -2\n");
-  EXPECT_FALSE(negative.Valid());
-  // A valid chain reads them all.
-  param.Set("--order_non", "4");
-  CaptureStderr();
-  const MkChain valid(5, 1, param);
-  EXPECT_EQ(GetCapturedStderr(), "error in value of parameter --MKCHAIN_PSEUDOCOUNTS: +1\n");
-  EXPECT_TRUE(valid.Valid());
-  EXPECT_EQ(valid.count_order, 4);
-}
-
-void ExpectEstimateFails(MkChain chain, const std::vector<CodeSeq>& sequences, int left, int right,
-                         int pseudocount, const std::string& message) {
-  const test::Outcome printed =
-      Capture([&] { return chain.Estimate(sequences, left, right, pseudocount); });
-  EXPECT_FALSE(printed.ok) << message;
-  EXPECT_EQ(printed.err, message);
-}
-
-TEST(MkChainFailureTest, EstimationErrors) {
-  test::Outcome printed = Capture([] { return MkChain(1, 3, 1).Estimate(std::vector<CodeSeq>{}); });
-  EXPECT_FALSE(printed.ok);
-  EXPECT_EQ(printed.err, "error: data input empty \n");
-  printed = Capture([] { return MkChain(1, 1, 1).Estimate(CodeSeq{}); });
-  EXPECT_FALSE(printed.ok);
-  EXPECT_EQ(printed.err, "error: data input empty \n");
-  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), -1, 2, 1, "error: Lmarg -1 Rmarg 2\n");
-  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), 0, -4, 1, "error: Lmarg 0 Rmarg -4\n");
-  ExpectEstimateFails(MkChain(1, 1, 1), One("ACGT"), 0, 0, -1, "error: pseudocount -1\n");
-  ExpectEstimateFails(MkChain(2, 1, 1), One("ACGT"), 0, 0, -3, "error: pseudocount -3\n");
-  // Every sequence within the margins: nothing counted.
-  printed = Capture([] { return MkChain(1, 3, 1).Estimate(One("ACGTAC")); });
-  EXPECT_FALSE(printed.ok);
-  EXPECT_EQ(printed.err, "error: count 0\n");
-  ExpectEstimateFails(MkChain(2, 1, 0), One("NNN"), 0, 0, 1, "error: count 0\n");
-  // A frame table without words: frame 2 of a three-letter stretch at order 1.
-  ExpectEstimateFails(MkChain(1, 3, 1), One("ACG"), 0, 0, 1, "error: count 0\n");
-  ExpectEstimateFails(MkChain(2, 3, 1), One("ACGTACGT"), 0, 0, 1,
-                      "error: order_count is supported only for period == 1 1\n");
-  MkChain cut(2, 1, 0);
-  cut.tables[0].resize(4);
-  ExpectEstimateFails(std::move(cut), One("ACGT"), 0, 0, 1, "error in vector size 4\n");
-}
-
-TEST(MkChainFailureTest, PrecisionLimit) {
-  MkChain chain(0, 1, 0);
-  chain.SetRandom(0.5);
-  for (const int digits : {11, -1}) {
-    CaptureStderr();
-    EXPECT_EQ(chain.ToText(digits), std::nullopt);
-    EXPECT_EQ(GetCapturedStderr(), "error: precision " + std::to_string(digits) + "\n");
+  for (const auto& [e, message] :
+       {std::pair{std::array{1, 1, 1, -1, 2, 1}, "error: Lmarg -1 Rmarg 2\n"},
+        std::pair{std::array{2, 1, 1, 0, 0, -3}, "error: pseudocount -3\n"},
+        std::pair{std::array{2, 3, 1, 0, 0, 1},
+                  "error: order_count is supported only for period == 1 1\n"}}) {
+    MkChain chain = Chain(e[0], e[1], e[2]);
+    EXPECT_EQ(Capture([&] { return chain.Estimate(Codes({"ACGT"}), e[3], e[4], e[5]); }).err,
+              message);
   }
-  chain.precision = 12;
-  CaptureStderr();
-  EXPECT_EQ(chain.ToText(), std::nullopt);
-  EXPECT_EQ(GetCapturedStderr(), "error: precision 12\n");
-  EXPECT_EQ(Capture([&] { return chain.CheckPrecision(); }).err, "error: precision 12\n");
-  // Nothing reaches the file.
-  test::ScratchDir dir;
-  OutputFile file;
-  ASSERT_TRUE(file.Open(dir.Path("chain.txt")));
-  const test::Outcome printed = Capture([&] { return chain.WriteText(file); });
-  EXPECT_FALSE(printed.ok);
-  EXPECT_EQ(printed.err, "error: precision 12\n");
-  ASSERT_TRUE(file.Commit());
-  EXPECT_EQ(test::ReadFile(dir.Path("chain.txt")), "");
-  chain.precision = 10;
-  EXPECT_TRUE(Capture([&] { return chain.CheckPrecision(); }).ok);
 }
 
-// Whether every frame gets a word of count_order + 1 known letters within the margins, worked
+// Whether every frame gets a word of countOrder + 1 known letters within the margins, worked
 // out word by word, independently of the rolling count of the chain.
-bool EveryFrameCounted(const std::vector<CodeSeq>& sequences, int left, int right, int count_order,
+bool EveryFrameCounted(const std::vector<CodeSeq>& sequences, int left, int right, int countOrder,
                        int period) {
   std::vector<bool> counted(static_cast<std::size_t>(period), false);
-  const int letters = count_order + 1;
+  const int letters = countOrder + 1;
   for (const CodeSeq& sequence : sequences) {
     const int end = static_cast<int>(sequence.size()) - right;
     for (int start = left; start + letters <= end; ++start) {
@@ -544,23 +289,19 @@ TEST(MkChainFailureTest, EstimateFailsExactlyWhenAFrameHasNoWord) {
     }
     const int order = round % 3;
     const int period = round % 2 == 0 ? 1 : 3;
-    MkChain chain(order, period, order);
+    MkChain chain = Chain(order, period, order);
     chain.left_margin = round % 4 == 0 ? 2 : 0;
     chain.right_margin = round % 5 == 0 ? 1 : 0;
     const bool expected =
         EveryFrameCounted(sequences, chain.left_margin, chain.right_margin, order, period);
     const test::Outcome printed = Capture([&] { return chain.Estimate(sequences); });
     EXPECT_EQ(printed.ok, expected) << round;
-    if (expected) {
-      EXPECT_EQ(printed.err, "") << round;
-    } else {
-      ++failures;
-      EXPECT_EQ(printed.err, sequences.empty() ? "error: data input empty \n" : "error: count 0\n")
-          << round;
-    }
+    const std::string message =
+        sequences.empty() ? "error: data input empty \n" : "error: count 0\n";
+    EXPECT_EQ(printed.err, expected ? "" : message) << round;
+    failures += expected ? 0 : 1;
   }
-  // Both outcomes are met often.
-  EXPECT_GT(failures, 20);
+  EXPECT_GT(failures, 20);  // both outcomes are met often
   EXPECT_LT(failures, 180);
 }
 

@@ -2,53 +2,44 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 namespace genetrain {
 namespace {
 
-// Codes of a codon's letters.
-CodeSeq Codon(const char* letters) {
-  CodeSeq codes;
-  for (const char* letter = letters; *letter != '\0'; ++letter) {
-    codes.push_back(static_cast<std::uint8_t>(std::string_view("ACGT").find(*letter)));
-  }
-  return codes;
-}
-
-Genome StartGenome(std::initializer_list<std::pair<const char*, const char*>> options) {
-  Param param;
-  for (const auto& [key, value] : options) param.Set(key, value);
-  return Genome(param);
-}
+using test::CodesOf;
 
 TEST(StartCodons, CountsFirstCodonsOfBothCodingListsWithPseudocounts) {
-  Genome genome = StartGenome({{"--ATG_", "1"}, {"--GTG_", "0.5"}, {"--START_PSEUDOCOUNTS", "1"}});
-  genome.cod1 = {Codon("ATGAAA"), Codon("ATGCCC"), Codon("TTGAAA"), Codon("AT"), {0, 4, 2}};
-  genome.cod2 = {Codon("ATGAAA"), Codon("GTGTAA")};
-  testing::internal::CaptureStdout();
-  EstimateStartCodons(genome);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-  EXPECT_EQ(genome.start_counts[kCodonATG], 3);
-  EXPECT_EQ(genome.start_counts[kCodonGTG], 1);
-  EXPECT_EQ(genome.start_counts[kCodonTTG], 1);  // counted, but no start codon here
+  std::array<bool, 64> starts{};
+  starts[kCodonATG] = starts[kCodonGTG] = true;
+  const auto estimate = [&] {
+    return EstimateStartCodons(
+        {CodesOf("ATGAAA"), CodesOf("ATGCCC"), CodesOf("TTGAAA"), CodesOf("AT"), CodesOf("ANG")},
+        {CodesOf("ATGAAA"), CodesOf("GTGTAA")}, starts, 1);
+  };
+  StartCodonEstimate result;
+  EXPECT_EQ(test::Capture([&] { return (result = estimate(), true); }).out, "");
+  EXPECT_EQ(result.start_counts[kCodonATG], 3);
+  EXPECT_EQ(result.start_counts[kCodonGTG], 1);
+  EXPECT_EQ(result.start_counts[kCodonTTG], 1);  // counted, but no start codon here
   // Two start codons, four starts among them: (1 + count) / (2 * 1 + 4).
-  EXPECT_DOUBLE_EQ(genome.start_probs[kCodonATG], 4.0 / 6.0);
-  EXPECT_DOUBLE_EQ(genome.start_probs[kCodonGTG], 2.0 / 6.0);
-  EXPECT_EQ(genome.start_probs[kCodonTTG], 0.0);
-}
-
-TEST(StartCodons, NoStartInTrainingWarnsAndLeavesZeros) {
-  Genome genome = StartGenome({{"--CTG_", "1"}});
-  genome.cod1 = {Codon("ATGAAA")};
-  testing::internal::CaptureStdout();
-  EstimateStartCodons(genome);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "warning, no start sites in training\n\n");
-  EXPECT_EQ(genome.start_probs[kCodonCTG], 0.0);
+  EXPECT_DOUBLE_EQ(result.start_probs[kCodonATG], 4.0 / 6.0);
+  EXPECT_DOUBLE_EQ(result.start_probs[kCodonGTG], 2.0 / 6.0);
+  EXPECT_EQ(result.start_probs[kCodonTTG], 0.0);
+  // No start codon begins a training sequence: a warning, and zeros without a pseudocount.
+  starts = {};
+  starts[kCodonCTG] = true;
+  const test::Outcome printed = test::Capture([&] {
+    return EstimateStartCodons({CodesOf("ATGAAA")}, {}, starts, 0).start_probs[kCodonCTG] == 0;
+  });
+  EXPECT_TRUE(printed.ok);
+  EXPECT_EQ(printed.out, "warning, no start sites in training\n\n");
 }
 
 TEST(GcFraction, CountsOnlyUnambiguousLetters) {
   EXPECT_EQ(GcFraction({}), 0.0);
-  EXPECT_EQ(GcFraction({{4, 5, 4}}), 0.0);
-  EXPECT_DOUBLE_EQ(GcFraction({Codon("GGC"), {0, 4, 5, 3}}), 3.0 / 5.0);
+  EXPECT_EQ(GcFraction({CodesOf("NXN")}), 0.0);
+  EXPECT_DOUBLE_EQ(GcFraction({CodesOf("GGC"), CodesOf("ANXT")}), 3.0 / 5.0);
 }
 
 }  // namespace

@@ -24,22 +24,13 @@ GENE Gene(Strand strand, std::int32_t left, std::int32_t right) {
 
 using Counts = std::array<int, 4>;  // both direct, both reverse, stop direct, stop reverse
 
-Counts CountsOf(const Compare& compare) {
-  return {compare.match_both_direct, compare.match_both_reverse, compare.match_stop_direct,
-          compare.match_stop_reverse};
-}
-
-std::string Show(const Counts& c) {
-  return std::to_string(c[0]) + " " + std::to_string(c[1]) + " " + std::to_string(c[2]) + " " +
-         std::to_string(c[3]);
-}
-
 Counts MatchOf(const std::vector<GENE>& source, const std::vector<GENE>& target) {
   Compare compare;
   compare.source.genes = source;
   compare.target.genes = target;
   compare.Match();
-  return CountsOf(compare);
+  return {compare.match_both_direct, compare.match_both_reverse, compare.match_stop_direct,
+          compare.match_stop_reverse};
 }
 
 // The matching rule word for word: every source gene scans the target in file order, and the
@@ -59,51 +50,19 @@ Counts LiteralMatch(const std::vector<GENE>& source, const std::vector<GENE>& ta
 }
 
 TEST(CompareMatch, FirstTargetWithTheSameStrandAndStopDecides) {
-  struct Case {
-    std::vector<GENE> source, target;
-    std::string counts;  // both direct, both reverse, stop direct, stop reverse
-  };
-  const GENE direct = Gene(Strand::kDirect, 0, 98), reverse = Gene(Strand::kReverse, 499, 699),
-             unplaced = Gene(Strand::kDirect, -1, -1);
-  const Case cases[] = {
-      // A stop-only partner ahead of an exact one makes a stop-only match, and the other way.
-      {{direct}, {Gene(Strand::kDirect, 3, 98), direct}, "0 0 1 0"},
-      {{direct}, {direct, Gene(Strand::kDirect, 3, 98)}, "1 0 0 0"},
-      // Targets that stop elsewhere or lie on the other strand do not decide.
-      {{direct},
-       {Gene(Strand::kDirect, 0, 50), Gene(Strand::kReverse, 3, 98), Gene(Strand::kReverse, 0, 98),
-        direct},
-       "1 0 0 0"},
-      {{direct}, {Gene(Strand::kDirect, 0, 50), Gene(Strand::kReverse, 0, 98)}, "0 0 0 0"},
-      {{reverse}, {Gene(Strand::kReverse, 499, 600), reverse}, "0 0 0 1"},
-      {{reverse}, {Gene(Strand::kReverse, 400, 699)}, "0 0 0 0"},  // start only
-      {{reverse}, {Gene(Strand::kDirect, 499, 699), reverse}, "0 1 0 0"},
-      // A target serves every source copy.
-      {{direct, direct, Gene(Strand::kDirect, 6, 98)}, {direct}, "2 0 1 0"},
-      // Lines that did not parse are default records: they pair like reverse genes.
-      {{GENE{}, GENE{}}, {unplaced, GENE{}}, "0 2 0 0"},
-      {{unplaced}, {GENE{}, unplaced}, "1 0 0 0"},
-      // No strand stops at the left end, like the reverse strand.
-      {{Gene(Strand::kNone, 5, 9)}, {Gene(Strand::kNone, 5, 7)}, "0 0 0 1"},
-      {{Gene(Strand::kNone, 5, 9)}, {Gene(Strand::kNone, 4, 9)}, "0 0 0 0"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(&c - cases));
-    EXPECT_EQ(Show(MatchOf(c.source, c.target)), c.counts);
-  }
-}
-
-TEST(CompareMatch, CountersStartAtZero) {
-  Compare compare;
-  compare.match_both_direct = 5;
-  compare.match_stop_reverse = 7;
-  compare.target.genes = {Gene(Strand::kDirect, 0, 98)};
-  compare.Match();  // empty source
-  EXPECT_EQ(Show(CountsOf(compare)), "0 0 0 0");
-  compare.source.genes = {Gene(Strand::kDirect, 0, 98)};
-  compare.Match();
-  compare.Match();
-  EXPECT_EQ(Show(CountsOf(compare)), "1 0 0 0");
+  const GENE direct = Gene(Strand::kDirect, 0, 98), reverse = Gene(Strand::kReverse, 499, 699);
+  // A stop-only partner ahead of an exact one makes a stop-only match, and the other way.
+  EXPECT_EQ(MatchOf({direct}, {Gene(Strand::kDirect, 3, 98), direct}), (Counts{0, 0, 1, 0}));
+  EXPECT_EQ(MatchOf({direct}, {direct, Gene(Strand::kDirect, 3, 98)}), (Counts{1, 0, 0, 0}));
+  // The other strand does not decide; a reverse gene stops at its left end; a target serves
+  // every source copy.
+  EXPECT_EQ(MatchOf({reverse}, {Gene(Strand::kDirect, 499, 699), reverse}), (Counts{0, 1, 0, 0}));
+  EXPECT_EQ(MatchOf({reverse}, {Gene(Strand::kReverse, 400, 699)}), (Counts{0, 0, 0, 0}));
+  EXPECT_EQ(MatchOf({direct, direct, Gene(Strand::kDirect, 6, 98)}, {direct}),
+            (Counts{2, 0, 1, 0}));
+  // Lines that did not parse are default records: they pair like reverse genes.
+  EXPECT_EQ(MatchOf({GENE{}, GENE{}}, {Gene(Strand::kDirect, -1, -1), GENE{}}),
+            (Counts{0, 2, 0, 0}));
 }
 
 // Small coordinate ranges so that stops and starts collide often. Strand values beyond 0..2,
@@ -167,41 +126,10 @@ TEST(CompareMatch, AgreesWithTheRuleOnRandomSets) {
     const std::vector<GENE> target =
         trial % 2 == 0 ? RandomGenes(random, size(random), span) : Perturbed(random, source, span);
     const Counts expected = LiteralMatch(source, target);
-    ASSERT_EQ(Show(MatchOf(source, target)), Show(expected)) << "trial " << trial;
+    ASSERT_EQ(MatchOf(source, target), expected) << "trial " << trial;
     matched += expected[0] + expected[1] + expected[2] + expected[3];
   }
   EXPECT_GT(matched, 10000);  // the sets did pair up, at both ends and at the stop alone
-}
-
-TEST(CompareResultText, ScoresFlagsAndPrecision) {
-  Compare compare;
-  compare.source.genes.assign(3, GENE{});
-  compare.target.genes.assign(2, GENE{});
-  compare.match_both_direct = 1;
-  compare.match_both_reverse = 1;
-  compare.match_stop_direct = 1;
-  EXPECT_EQ(compare.ResultText(1, true, true), "0.8\t1.2");  // 2*2/5, 2*3/5
-  EXPECT_EQ(compare.ResultText(3, true, true), "0.800\t1.200");
-  EXPECT_EQ(compare.ResultText(0, true, true), "1\t1");
-  EXPECT_EQ(compare.ResultText(1, false, true), "1.2");
-  EXPECT_EQ(compare.ResultText(1, true, false), "0.8");
-  EXPECT_EQ(compare.ResultText(1, false, false), "");
-
-  compare.match_both_direct = 0;
-  compare.match_stop_reverse = 1;
-  compare.target.genes.assign(3, GENE{});
-  EXPECT_EQ(compare.ResultText(4, true, true), "0.3333\t1.0000");  // 2*1/6, 2*3/6
-}
-
-TEST(CompareResultText, NoGeneAtAllPrintsZeroWhateverTheFlags) {
-  Compare compare;
-  EXPECT_EQ(compare.ResultText(1, true, true), "0.0");
-  EXPECT_EQ(compare.ResultText(1, false, false), "0.0");
-  EXPECT_EQ(compare.ResultText(0, false, true), "0");
-  EXPECT_EQ(compare.ResultText(3, true, false), "0.000");
-  compare.source.genes.assign(1, GENE{});
-  EXPECT_EQ(compare.ResultText(1, true, true), "0.0\t0.0");
-  EXPECT_EQ(compare.ResultText(1, false, false), "");
 }
 
 }  // namespace
