@@ -207,8 +207,7 @@ double GcFraction(const std::vector<CodeSeq>& sequences) {
 
 StartCodonEstimate EstimateStartCodons(const std::vector<CodeSeq>& cod1,
                                        const std::vector<CodeSeq>& cod2,
-                                       const std::array<bool, 64>& startCodons,
-                                       std::int64_t pseudocount) {
+                                       const CodonSet& startCodons, std::int64_t pseudocount) {
   StartCodonEstimate estimate{std::vector<std::int64_t>(64, 0), std::vector<double>(64, 0.0)};
   for (const std::vector<CodeSeq>* list : {&cod1, &cod2}) {
     for (const CodeSeq& sequence : *list) {

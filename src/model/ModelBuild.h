@@ -25,8 +25,7 @@ struct StartCodonEstimate {
 // one.
 StartCodonEstimate EstimateStartCodons(const std::vector<CodeSeq>& cod1,
                                        const std::vector<CodeSeq>& cod2,
-                                       const std::array<bool, 64>& startCodons,
-                                       std::int64_t pseudocount);
+                                       const CodonSet& startCodons, std::int64_t pseudocount);
 
 // The (C + G) / (A + C + G + T) fraction of coded sequences; 0 without any of these letters.
 double GcFraction(const std::vector<CodeSeq>& sequences);

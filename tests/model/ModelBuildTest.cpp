@@ -10,8 +10,7 @@ namespace {
 using test::CodesOf;
 
 TEST(StartCodons, CountsFirstCodonsOfBothCodingListsWithPseudocounts) {
-  std::array<bool, 64> starts{};
-  starts[kCodonATG] = starts[kCodonGTG] = true;
+  CodonSet starts{kCodonATG, kCodonGTG};
   const auto estimate = [&] {
     return EstimateStartCodons(
         {CodesOf("ATGAAA"), CodesOf("ATGCCC"), CodesOf("TTGAAA"), CodesOf("AT"), CodesOf("ANG")},
@@ -27,8 +26,7 @@ TEST(StartCodons, CountsFirstCodonsOfBothCodingListsWithPseudocounts) {
   EXPECT_DOUBLE_EQ(result.start_probs[kCodonGTG], 2.0 / 6.0);
   EXPECT_EQ(result.start_probs[kCodonTTG], 0.0);
   // No start codon begins a training sequence: a warning, and zeros without a pseudocount.
-  starts = {};
-  starts[kCodonCTG] = true;
+  starts = CodonSet{kCodonCTG};
   const test::Outcome printed = test::Capture([&] {
     return EstimateStartCodons({CodesOf("ATGAAA")}, {}, starts, 0).start_probs[kCodonCTG] == 0;
   });
