@@ -42,10 +42,15 @@ inline std::string ReverseComplement(std::string_view bases) {
 }
 
 // strand, left, right, then "c"losed or "o"pen for the left and the right side.
+inline std::string ShowSpan(std::int64_t strand, std::int64_t left, std::int64_t right,
+                            bool leftClosed, bool rightClosed) {
+  return std::to_string(strand) + " " + std::to_string(left) + " " + std::to_string(right) + " " +
+         (leftClosed ? "c" : "o") + (rightClosed ? "c" : "o");
+}
+
 inline std::string ShowGene(const GENE& gene) {
-  return std::to_string(StrandNumber(gene.strand)) + " " + std::to_string(gene.left) + " " +
-         std::to_string(gene.right) + " " + (gene.left_complete ? "c" : "o") +
-         (gene.right_complete ? "c" : "o");
+  return ShowSpan(StrandNumber(gene.strand), gene.left, gene.right, gene.left_complete,
+                  gene.right_complete);
 }
 
 }  // namespace genetrain::test
