@@ -1,7 +1,11 @@
+#include "genes/Genome.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "genes/GenesTestSupport.h"
@@ -12,48 +16,82 @@ namespace {
 using test::GeneSequence;
 using test::GenesOn;
 
-TEST(GeneSeq, InFrameStopBeforeTheLastCodonGivesAWarningAndNothing) {
-  struct Case {
-    std::string bases;
-    int left, right;
-    Strand strand;
-    bool stops;
-    std::string piece;
+// The record as ShowGene shows it, then its validity and class.
+std::string Show(const GENE& gene) {
+  return test::ShowGene(gene) + " " + (gene.valid ? "valid" : "invalid") + " " +
+         std::to_string(gene.gene_class);
+}
+
+TEST(GeneSetSixColumns, CoordinatesStrandClassLimitAndUnreadableSpans) {
+  const std::pair<std::string_view, std::string_view> lines[] = {
+      {"\n g1  + 1 99 99 1", "1 0 98 cc valid 1"},  // a line starts after the line feed
+      {"g1 + 1 100 100 1", "1 0 99 cc invalid 0"},  // not whole codons
+      {"g1\t-\t<3\t>101\t99\t2\r", "2 2 100 oo valid 2"},
+      {"g1 + 1 99 99 3", "1 0 98 cc invalid 3"},
+      {"g1 + 1 99 99 257", "1 0 98 cc valid 1"},  // low 8 bits
+      {"g1 + 1 99 99 x", "1 0 98 cc invalid 255"},
+      // A span that cannot be read drops both coordinates.
+      {"g1 * 1 99 99 1", "0 -1 -1 cc invalid 0"},
+      {"g1 + 0 98 98 1", "1 -1 -1 cc invalid 0"},
+      {"g1 + <x 98 98 1", "1 -1 -1 oc invalid 0"},
+      {"g1 + 10 >9 98 1", "1 -1 -1 co invalid 0"},
+      {"g1 + 1 2147483648 1 1", "1 -1 -1 cc invalid 0"},
+      {"g1 + 1 99 99", "0 -1 -1 cc invalid 0"},
+      {"g1 + 1 99 99 1 extra", "0 -1 -1 cc invalid 0"},
+      {"", "0 -1 -1 cc invalid 0"},
+      // The limit admits a gene one base past the end.
+      {"g + 3 1001 999 1", "1 2 1000 cc valid 1"},
+      {"g + 4 1002 999 1", "1 3 1001 cc invalid 0"},
   };
-  // The warning itself and the stop inside a gene are pinned by cli.parse_stop_inside_gene.
-  const Case cases[] = {
-      {"ATGTAAGGGTAA", 0, 11, Strand::kDirect, false, "ATGTAAGGGTAA"},  // no stop unless named
-      {"ATGTNAGGGTAA", 0, 11, Strand::kDirect, true, "ATGTNAGGGTAA"},   // N: no codon
-      {"CCCATGAAATAAGGG", 3, 12, Strand::kDirect, true, "ATGAAATAAG"},  // one base past the stop
-      // Reversed, then complemented: the stop is the last codon.
-      {"TTACATGG", 0, 5, Strand::kReverse, true, "ATGTAA"},
-      {"TTACATGG", 2, 7, Strand::kReverse, true, "CCATGT"},
-      // Clipped: one past the end comes out short; wholly past it, empty.
-      {"ATGTNAGGGTAA", 9, 12, Strand::kDirect, true, "TAA"},
-      {"ATGTNAGGGTAA", 12, 14, Strand::kDirect, true, ""},
+  GeneSet set;
+  set.max_right = 1000;
+  for (const auto& [line, shown] : lines) EXPECT_EQ(Show(set.ParseLine(line)), shown) << line;
+  set.max_right = 0;  // no limit
+  EXPECT_TRUE(set.ParseLine("g + 4 1002 999 1").valid);
+}
+
+// Shift 1, reversed and unreadable pairs are pinned by the cli.intergenic_* cases.
+TEST(GeneSetTwoColumns, UnshiftedZeroAndAThirdColumn) {
+  const GeneSet set;
+  EXPECT_EQ(Show(set.ParsePair("0 98")), "0 -1 97 cc valid 0");
+  EXPECT_EQ(Show(set.ParsePair("1 2 3")), "0 -1 -1 cc invalid 0");
+}
+
+// A line feed closing the buffer opens no further line, and an empty buffer has none; each
+// Parse replaces the records of the one before.
+TEST(GeneSetParse, EveryLineIsARecordUpToTheBufferEdges) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"", ""},
+      {"\n", "-"},
+      {"a + 1 3 3 1", "v"},
+      {"a + 1 3 3 1\n", "v"},
+      {"\na + 1 3 3 1", "-v"},
+      {"# comment\na + 1 99 99 1\n\nb + 1 9 9 1\r\nc + 1 4 4 1\n", "-v-v-"},
   };
-  for (const Case& c : cases) {
-    const VSeq seq = GeneSequence(c.bases, c.stops);
-    std::string piece;
-    const test::Outcome run = test::Capture([&] {
-      piece = test::Letters(seq.GeneSeq(c.left, c.right, c.strand));
-      return true;
-    });
-    EXPECT_EQ(piece, c.piece) << c.bases << " " << c.left;
-    EXPECT_EQ(run.out, "") << c.bases << " " << c.left;
+  GeneSet set;
+  for (const auto& [text, validity] : cases) {
+    set.Parse(text.data(), text.data() + text.size());
+    std::string shown;
+    for (const GENE& gene : set.genes) shown += gene.valid ? 'v' : '-';
+    EXPECT_EQ(shown, validity) << text;
   }
-  EXPECT_EQ(test::Letters({0, 1, 2, 3, 4, 5}), "ACGTNX");
 }
 
-std::string A(int count) {
-  return std::string(count, 'A');
+TEST(GeneSetTokens, ReadCountTakesPlainDecimalsThatFit) {
+  for (const std::string_view refused : {"2147483648", "99999999999999", "+5", "5\r", ""})
+    EXPECT_EQ(ReadCount(refused), -1) << refused;
+  EXPECT_EQ(ReadCount("0"), 0);
+  EXPECT_EQ(ReadCount("0042"), 42);
+  EXPECT_EQ(ReadCount("2147483647"), 2147483647);
 }
 
-TEST(ExtractCoding, MarginsAndLengthLimits) {
+TEST(ExtractCoding, MarginsLengthLimitsAndStopsInside) {
+  const auto A = [](int count) { return std::string(count, 'A'); };
   struct Case {
     std::string bases, genes;
     int left, right;
     std::string coding;
+    bool stops = false;
     std::uint32_t minCod = 0;
   };
   const Case cases[] = {
@@ -64,16 +102,29 @@ TEST(ExtractCoding, MarginsAndLengthLimits) {
       // Six bases minus 3 + 3 leave nothing: turned away even with MIN_COD 0.
       {A(300), "a + 1 6 6 1\n", 3, 3, ""},
       // The limit applies after trimming: 96 - 3 - 3 = 90 is kept, 93 - 6 = 87 is not.
-      {A(300), "a + 1 96 96 1\nb + 101 193 93 1\n", 3, 3, A(90) + "\n", 90},
+      {A(300), "a + 1 96 96 1\nb + 101 193 93 1\n", 3, 3, A(90) + "\n", false, 90},
       // R = -3 adds three bases past each stop: inside the sequence for the direct gene at 4..12,
       // past the end for the one at 7..15 and past the start for the reverse gene at 1..9.
       {"CCCATGAAATAAGGG", "a + 4 12 9 1\nb + 7 15 9 1\nc - 1 9 9 1\n", 0, -3, "ATGAAATAAGGG\n"},
+      // L = 3 and R = -3 move a gene that ends one past the sequence wholly past it.
+      {"ATGTNAGGGTAA", "a + 11 13 3 1\n", 3, -3, ""},
+      // A stop before the last codon turns the gene away with a warning
+      // (cli.parse_stop_inside_gene); not when no stop is named, nor with an N or a masked base,
+      // nor when a single base follows the stop. Reversed, the stop is the last codon.
+      {"ATGTAAGGGTAA", "a + 1 12 12 1\n", 0, 0, "ATGTAAGGGTAA\n"},
+      {"ATGTNAGXATAA", "a + 1 12 12 1\n", 0, 0, "ATGTNAGXATAA\n", true},
+      {"CCCATGAAATAAGGG", "a + 4 12 9 1\n", 0, -1, "ATGAAATAAG\n", true},
+      {"TTACATGG", "a - 1 6 6 1\n", 0, 0, "ATGTAA\n", true},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.genes + " margins " + std::to_string(c.left) + " " + std::to_string(c.right));
-    const VSeq seq = GeneSequence(c.bases);
+    const VSeq seq = GeneSequence(c.bases, c.stops);
     Genome genome(GenomeSettings{.min_cod = c.minCod});
-    genome.ExtractCoding(seq, GenesOn(seq, c.genes), c.left, c.right);
+    const test::Outcome run = test::Capture([&] {
+      genome.ExtractCoding(seq, GenesOn(seq, c.genes), c.left, c.right);
+      return true;
+    });
+    EXPECT_EQ(run.out, "");
     EXPECT_EQ(genome.WriteCoding(), ">cod1\n" + c.coding);
   }
 }
@@ -99,14 +150,11 @@ TEST(ExtractNonCoding, MasksTheUnionOfAllSpans) {
   EXPECT_EQ(clipped.WriteNonCoding(), "TACGTACGT\n");
 }
 
-// Irregular A/C/G/T letters, so that a region taken from the wrong place cannot match.
+// Irregular letters, so that a region taken from the wrong place cannot match.
 std::string Bases(std::size_t count) {
+  std::mt19937 random(7);
   std::string bases;
-  std::uint32_t state = 7;
-  for (std::size_t i = 0; i < count; ++i) {
-    state = state * 1103515245u + 12345u;
-    bases.push_back("ACGT"[(state >> 16) & 3u]);
-  }
+  while (bases.size() < count) bases.push_back("ACGT"[random() % 4]);
   return bases;
 }
 

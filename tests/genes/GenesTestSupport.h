@@ -17,21 +17,12 @@ inline VSeq GeneSequence(std::string_view bases, bool stops = false) {
   return seq;
 }
 
-// A six-column (or two-column) gene set limited to the sequence.
-inline GeneSet GenesOn(const VSeq& seq, std::string_view text, bool twoColumn = false) {
+// A six-column gene set limited to the sequence.
+inline GeneSet GenesOn(const VSeq& seq, std::string_view text) {
   GeneSet set;
   set.max_right = static_cast<std::int32_t>(seq.sequence.size());
-  set.two_column = twoColumn;
   set.Parse(text.data(), text.data() + text.size());
   return set;
-}
-
-// The codes in the letters of the training files, without the end of line.
-inline std::string Letters(const CodeSeq& codes) {
-  std::string line;
-  Genome(GenomeSettings{}).AppendSeq(line, codes);
-  line.pop_back();
-  return line;
 }
 
 inline std::string ReverseComplement(std::string_view bases) {

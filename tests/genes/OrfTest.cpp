@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -16,6 +15,17 @@ using test::CodesOf;
 using test::ShowGene;
 using test::ShowSpan;
 using Lines = std::vector<std::string>;
+
+// The ORFs of both strands, or of one.
+std::vector<GENE> Scanned(const CodeSeq& codes, std::uint32_t min, const CodonSet& starts,
+                          const CodonSet& stops, Strand only = Strand::kNone) {
+  ORF orf;
+  orf.SetCodons(starts, stops);
+  orf.BuildCodonArray(codes);
+  if (only != Strand::kReverse) orf.SearchDirect(min);
+  if (only != Strand::kDirect) orf.SearchReverse(min);
+  return orf.orfs;
+}
 
 Lines Shown(const std::vector<GENE>& orfs) {
   Lines lines;
@@ -56,7 +66,7 @@ void WalkReverse(const ORF& orf, std::uint32_t min, Lines& out) {
   }
 }
 
-TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsageAlsoWhenBuiltInPlace) {
+TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsage) {
   ORF orf;
   orf.codon_usage[5] = 7;  // reset by the build
   orf.BuildCodonArray(CodesOf("ATGNAAAT"));
@@ -66,21 +76,9 @@ TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsageAlsoWhenBuiltInPlace) {
   EXPECT_EQ(total, 6u);  // positions 2 .. 7
   EXPECT_EQ(orf.codon_usage[64], 3u);
   EXPECT_EQ(orf.codon_usage[5], 0u);
-
-  std::mt19937 random(5);
-  // Lengths around the blocks of the in-place build (256 codons), and the shortest ones.
-  for (const std::size_t length : {0u, 1u, 2u, 3u, 257u, 258u, 259u, 514u, 1000u}) {
-    CodeSeq codes(length);
-    for (std::uint8_t& base : codes) base = static_cast<std::uint8_t>(std::min(random() % 6, 4ul));
-    ORF copied, moved;
-    copied.BuildCodonArray(codes);
-    moved.BuildCodonArray(CodeSeq(codes));
-    EXPECT_EQ(moved.codon_array, copied.codon_array) << length;
-    EXPECT_EQ(moved.codon_usage, copied.codon_usage) << length;
-  }
 }
 
-// The pins no random case reaches by itself: a start at the first base, ORFs running off either
+// The rules the walks encode, worked by hand: a start at the first base, ORFs running off either
 // end and the order of the list. The minimum and the furthest start are pinned by the
 // cli.orf_atg_taa_* and cli.orf_two_starts_one_stop cases, on the reverse strand by the
 // reverse-complement test below.
@@ -94,14 +92,8 @@ TEST(OrfSearch, HandWorkedSequences) {
       // start CAT at 5 gives way to the one at 29 in the same frame.
       {"ATGCATGAATAACTAAATTACATTTACCAT", {"1 2 11 oc", "1 6 15 oc", "2 19 22 cc", "2 2 29 oo"}},
   };
-  for (const auto& [bases, orfs] : cases) {
-    ORF orf;
-    orf.SetCodons({kCodonATG}, {kCodonTAA});
-    orf.BuildCodonArray(CodesOf(bases));
-    orf.SearchDirect(0);
-    orf.SearchReverse(0);
-    EXPECT_EQ(Shown(orf.orfs), orfs) << bases;
-  }
+  for (const auto& [bases, orfs] : cases)
+    EXPECT_EQ(Shown(Scanned(CodesOf(bases), 0, {kCodonATG}, {kCodonTAA})), orfs) << bases;
 }
 
 // Random bases, rich in the codons of the options (either strand) so that ORFs are many and
@@ -132,7 +124,8 @@ CodonSet RandomSet(std::mt19937& random, unsigned oneIn, CodonSet from = {}) {
 }
 
 // Every length up to a few blocks of the scans, then longer ones; random codon sets and
-// minimum sizes: the one-pass scans must give exactly what the walks give, in the same order.
+// minimum sizes: the one-pass scans must give exactly what the walks give, in the same order,
+// and the in-place codon array what the copying build gives.
 TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
   std::mt19937 random(20240611);
   int found = 0;
@@ -152,6 +145,10 @@ TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
     const std::uint32_t pick = random() % 8;  // many with no minimum at all
     const std::uint32_t min = pick < 2 ? 0 : pick == 2 ? random() % 400 : random() % 30;
     orf.BuildCodonArray(codes);
+    ORF moved;  // the in-place build of --orf, in blocks of 256 bases
+    moved.BuildCodonArray(CodeSeq(codes));
+    ASSERT_EQ(moved.codon_array, orf.codon_array) << "round " << round;
+    ASSERT_EQ(moved.codon_usage, orf.codon_usage) << "round " << round;
     Lines expected;
     WalkDirect(orf, min, expected);
     WalkReverse(orf, min, expected);
@@ -176,22 +173,15 @@ TEST(OrfSearch, ReverseStrandIsTheDirectStrandOfTheReverseComplement) {
     CodeSeq reverse(codes.rbegin(), codes.rend());
     for (std::uint8_t& code : reverse) code = code == kMasked ? code : Complement(code);
     const std::uint32_t min = random() % 20;
-    ORF plain, mirrored;
-    plain.SetCodons(starts, stops);
-    mirrored.SetCodons(starts, stops);
-    plain.BuildCodonArray(codes);
-    plain.SearchReverse(min);
-    mirrored.BuildCodonArray(reverse);
-    mirrored.SearchDirect(min);
     const std::int64_t n = static_cast<std::int64_t>(codes.size());
     Lines reverseOrfs, directOrfs;
-    for (const GENE& orf : plain.orfs) {
+    for (const GENE& orf : Scanned(codes, min, starts, stops, Strand::kReverse)) {
       if (orf.left_complete) reverseOrfs.push_back(ShowGene(orf));
     }
-    for (const GENE& orf : mirrored.orfs) {
-      if (!orf.right_complete) continue;
-      directOrfs.push_back(
-          ShowSpan(2, n + 1 - orf.right, n + 1 - orf.left, orf.right_complete, orf.left_complete));
+    for (const GENE& orf : Scanned(reverse, min, starts, stops, Strand::kDirect)) {
+      if (orf.right_complete)
+        directOrfs.push_back(
+            ShowSpan(2, n + 1 - orf.right, n + 1 - orf.left, true, orf.left_complete));
     }
     ASSERT_EQ(reverseOrfs, directOrfs) << "round " << round;
     compared += static_cast<int>(reverseOrfs.size());
