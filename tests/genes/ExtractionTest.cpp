@@ -131,23 +131,20 @@ TEST(ExtractCoding, MarginsLengthLimitsAndStopsInside) {
 
 TEST(ExtractNonCoding, MasksTheUnionOfAllSpans) {
   // Overlapping 6..11 and 9..14 mask 6..14; 18..20 and 21..23 touch and leave nothing between;
-  // margins, strands, completeness and validity (30..33 holds 4 bases) play no part.
-  VSeq seq = GeneSequence("AAAAACCCCCGGGGGTTTTTNNAAACCCGGGTTTAACCGG");
+  // margins, strands, completeness and validity (30..33 holds 4 bases) play no part. The comment
+  // and the left coordinate 0 give no span and pass silently; g ends one past the sequence: it is
+  // reported and masks nothing.
+  const VSeq seq = GeneSequence("AAAAACCCCCGGGGGTTTTTNNAAACCCGGGTTTAACCGG");
+  const GeneSet set = GenesOn(seq,
+                              "a + 7 12 6 1\nb - 10 15 6 2\nc + 19 21 3 1\nd - 22 24 3 1\n"
+                              "e + <31 >34 4 1\n# comment\nf + 0 5 6 1\ng + 39 41 3 1\n");
   Genome genome(GenomeSettings{});
-  genome.ExtractNonCoding(seq, GenesOn(seq,
-                                       "a + 7 12 6 1\nb - 10 15 6 2\nc + 19 21 3 1\nd - 22 24 3 1\n"
-                                       "e + <31 >34 4 1\n"));
-  EXPECT_EQ(genome.WriteNonCoding(), "AAAAAC\nTTT\nACCCGG\nAACCGG\n");
-  // b ends one past the sequence: reported. The comment and the left coordinate 0 give no span
-  // and are skipped silently.
-  seq = GeneSequence("ACGTACGTACGT");
-  Genome clipped(GenomeSettings{});
   const test::Outcome run = test::Capture([&] {
-    clipped.ExtractNonCoding(seq, GenesOn(seq, "a + 1 3 3 1\nb + 10 13 3 1\n# c\nc + 0 5 6 1\n"));
+    genome.ExtractNonCoding(seq, set);
     return true;
   });
   EXPECT_EQ(run.err, "error, if this is printed - error in code\n");
-  EXPECT_EQ(clipped.WriteNonCoding(), "TACGTACGT\n");
+  EXPECT_EQ(genome.WriteNonCoding(), "AAAAAC\nTTT\nACCCGG\nAACCGG\n");
 }
 
 // Irregular letters, so that a region taken from the wrong place cannot match.
@@ -157,8 +154,6 @@ std::string Bases(std::size_t count) {
   while (bases.size() < count) bases.push_back("ACGT"[random() % 4]);
   return bases;
 }
-
-using test::ReverseComplement;
 
 // The labels of the regions collected with upstream U and inside P, and the pre-start file.
 struct Collected {
@@ -191,11 +186,12 @@ TEST(PreStart, RegionsAtTheSequenceEndsAndInsideTheGene) {
       {b60, "a + 18 47 30 1\n", 17, 3, ">1 18 47 +\n" + b60.substr(0, 20) + "\n"},
       {b60, "a - 16 45 30 1\n", 17, 3, ""},
       // At the limit the reverse region is clipped to 19 bases.
-      {b60, "a - 15 44 30 1\n", 17, 3, ">1 15 44 -\n" + ReverseComplement(b60.substr(41)) + "\n"},
+      {b60, "a - 15 44 30 1\n", 17, 3,
+       ">1 15 44 -\n" + test::ReverseComplement(b60.substr(41)) + "\n"},
       // U = -3, P = 6: the region holds the gene's bases 3..5 on either strand.
       {b120, "a + 31 60 30 1\nb - 61 90 30 1\n", -3, 6,
        ">1 31 60 +\n" + b120.substr(33, 3) + "\n>2 61 90 -\n" +
-           ReverseComplement(b120.substr(84, 3)) + "\n"},
+           test::ReverseComplement(b120.substr(84, 3)) + "\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.genes);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
 #include <string>
 #include <vector>
@@ -71,17 +72,15 @@ TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsage) {
   orf.codon_usage[5] = 7;  // reset by the build
   orf.BuildCodonArray(CodesOf("ATGNAAAT"));
   EXPECT_EQ(orf.codon_array, (std::vector<std::uint8_t>{64, 64, 14, 64, 64, 64, 0, 3}));
-  std::uint64_t total = 0;
-  for (const std::uint64_t count : orf.codon_usage) total += count;
-  EXPECT_EQ(total, 6u);  // positions 2 .. 7
-  EXPECT_EQ(orf.codon_usage[64], 3u);
-  EXPECT_EQ(orf.codon_usage[5], 0u);
+  std::array<std::uint64_t, 65> usage{};  // positions 2 .. 7
+  usage[0] = usage[3] = usage[14] = 1;    // AAA, AAT, ATG
+  usage[64] = 3;
+  EXPECT_EQ(orf.codon_usage, usage);
 }
 
 // The rules the walks encode, worked by hand: a start at the first base, ORFs running off either
-// end and the order of the list. The minimum and the furthest start are pinned by the
-// cli.orf_atg_taa_* and cli.orf_two_starts_one_stop cases, on the reverse strand by the
-// reverse-complement test below.
+// end, the order of the list. The minimum and the furthest start are pinned by cli.orf_atg_taa_*
+// and cli.orf_two_starts_one_stop, on the reverse strand by the reverse-complement test below.
 TEST(OrfSearch, HandWorkedSequences) {
   const std::pair<std::string_view, Lines> cases[] = {
       {"ATGTAA", {"1 2 5 oc"}},
@@ -114,6 +113,9 @@ CodeSeq RandomCodes(std::mt19937& random, int length) {
   return codes;
 }
 
+const CodonSet kStarts = {kCodonATG, kCodonGTG, kCodonTTG, kCodonCTG};
+const CodonSet kStops = {kCodonTAA, kCodonTGA, kCodonTAG};
+
 // Each codon of `from` (of all 64 when it is empty) with a chance of one in `oneIn`.
 CodonSet RandomSet(std::mt19937& random, unsigned oneIn, CodonSet from = {}) {
   CodonSet set;
@@ -139,8 +141,7 @@ TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
       orf.starts_reverse = RandomSet(random, 16);
       orf.stops_reverse = RandomSet(random, 16);
     } else {
-      orf.SetCodons(RandomSet(random, 3, {kCodonATG, kCodonGTG, kCodonTTG, kCodonCTG}),
-                    RandomSet(random, 3, {kCodonTAA, kCodonTGA, kCodonTAG}));
+      orf.SetCodons(RandomSet(random, 3, kStarts), RandomSet(random, 3, kStops));
     }
     const std::uint32_t pick = random() % 8;  // many with no minimum at all
     const std::uint32_t min = pick < 2 ? 0 : pick == 2 ? random() % 400 : random() % 30;
@@ -165,8 +166,6 @@ TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
 // holds only if the reverse codon sets are the true reverse complements of the options.
 TEST(OrfSearch, ReverseStrandIsTheDirectStrandOfTheReverseComplement) {
   std::mt19937 random(77);
-  const CodonSet starts = {kCodonATG, kCodonGTG, kCodonTTG, kCodonCTG};
-  const CodonSet stops = {kCodonTAA, kCodonTGA, kCodonTAG};
   int compared = 0;
   for (int round = 0; round < 200; ++round) {
     const CodeSeq codes = RandomCodes(random, 3 + static_cast<int>(random() % 400));
@@ -175,10 +174,10 @@ TEST(OrfSearch, ReverseStrandIsTheDirectStrandOfTheReverseComplement) {
     const std::uint32_t min = random() % 20;
     const std::int64_t n = static_cast<std::int64_t>(codes.size());
     Lines reverseOrfs, directOrfs;
-    for (const GENE& orf : Scanned(codes, min, starts, stops, Strand::kReverse)) {
+    for (const GENE& orf : Scanned(codes, min, kStarts, kStops, Strand::kReverse)) {
       if (orf.left_complete) reverseOrfs.push_back(ShowGene(orf));
     }
-    for (const GENE& orf : Scanned(reverse, min, starts, stops, Strand::kDirect)) {
+    for (const GENE& orf : Scanned(reverse, min, kStarts, kStops, Strand::kDirect)) {
       if (orf.right_complete)
         directOrfs.push_back(
             ShowSpan(2, n + 1 - orf.right, n + 1 - orf.left, true, orf.left_complete));
