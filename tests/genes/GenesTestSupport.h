@@ -17,21 +17,12 @@ inline VSeq GeneSequence(std::string_view bases, bool stops = false) {
   return seq;
 }
 
-// A six-column (or two-column) gene set limited to the sequence.
-inline GeneSet GenesOn(const VSeq& seq, std::string_view text, bool twoColumn = false) {
+// A six-column gene set limited to the sequence.
+inline GeneSet GenesOn(const VSeq& seq, std::string_view text) {
   GeneSet set;
   set.max_right = static_cast<std::int32_t>(seq.sequence.size());
-  set.two_column = twoColumn;
   set.Parse(text.data(), text.data() + text.size());
   return set;
-}
-
-// The codes in the letters of the training files, without the end of line.
-inline std::string Letters(const CodeSeq& codes) {
-  std::string line;
-  Genome(GenomeSettings{}).AppendSeq(line, codes);
-  line.pop_back();
-  return line;
 }
 
 inline std::string ReverseComplement(std::string_view bases) {
@@ -42,10 +33,15 @@ inline std::string ReverseComplement(std::string_view bases) {
 }
 
 // strand, left, right, then "c"losed or "o"pen for the left and the right side.
+inline std::string ShowSpan(std::int64_t strand, std::int64_t left, std::int64_t right,
+                            bool leftClosed, bool rightClosed) {
+  return std::to_string(strand) + " " + std::to_string(left) + " " + std::to_string(right) + " " +
+         (leftClosed ? "c" : "o") + (rightClosed ? "c" : "o");
+}
+
 inline std::string ShowGene(const GENE& gene) {
-  return std::to_string(StrandNumber(gene.strand)) + " " + std::to_string(gene.left) + " " +
-         std::to_string(gene.right) + " " + (gene.left_complete ? "c" : "o") +
-         (gene.right_complete ? "c" : "o");
+  return ShowSpan(StrandNumber(gene.strand), gene.left, gene.right, gene.left_complete,
+                  gene.right_complete);
 }
 
 }  // namespace genetrain::test

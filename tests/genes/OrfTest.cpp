@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <array>
 #include <random>
 #include <string>
 #include <vector>
@@ -14,7 +14,19 @@ namespace {
 
 using test::CodesOf;
 using test::ShowGene;
+using test::ShowSpan;
 using Lines = std::vector<std::string>;
+
+// The ORFs of both strands, or of one.
+std::vector<GENE> Scanned(const CodeSeq& codes, std::uint32_t min, const CodonSet& starts,
+                          const CodonSet& stops, Strand only = Strand::kNone) {
+  ORF orf;
+  orf.SetCodons(starts, stops);
+  orf.BuildCodonArray(codes);
+  if (only != Strand::kReverse) orf.SearchDirect(min);
+  if (only != Strand::kDirect) orf.SearchReverse(min);
+  return orf.orfs;
+}
 
 Lines Shown(const std::vector<GENE>& orfs) {
   Lines lines;
@@ -22,32 +34,8 @@ Lines Shown(const std::vector<GENE>& orfs) {
   return lines;
 }
 
-const CodonSet kAtg = {kCodonATG}, kTaa = {kCodonTAA};
-
-ORF Searched(std::string_view bases, std::uint32_t min, CodonSet starts = kAtg,
-             CodonSet stops = kTaa) {
-  ORF orf;
-  orf.SetCodons(starts, stops);
-  orf.BuildCodonArray(CodesOf(bases));
-  orf.SearchDirect(min);
-  orf.SearchReverse(min);
-  return orf;
-}
-
-GENE Found(Strand strand, std::int64_t left, std::int64_t right, bool leftClosed,
-           bool rightClosed) {
-  GENE gene;
-  gene.strand = strand;
-  gene.left = static_cast<std::int32_t>(left);
-  gene.right = static_cast<std::int32_t>(right);
-  gene.left_complete = leftClosed;
-  gene.right_complete = rightClosed;
-  gene.valid = true;
-  return gene;
-}
-
 // The search rules taken literally: from every end walk back (or up) codon by codon.
-void WalkDirect(const ORF& orf, std::uint32_t min, std::vector<GENE>& out) {
+void WalkDirect(const ORF& orf, std::uint32_t min, Lines& out) {
   const std::int64_t n = static_cast<std::int64_t>(orf.codon_array.size());
   if (n < min || n == 0) return;
   for (std::int64_t p = 0; p < n; ++p) {
@@ -59,11 +47,11 @@ void WalkDirect(const ORF& orf, std::uint32_t min, std::vector<GENE>& out) {
       walkStopped = orf.stops_direct[orf.codon_array[q]];
       if (!walkStopped && orf.starts_direct[orf.codon_array[q]] && p - 3 - q >= min) found = q;
     }
-    if (found >= 0) out.push_back(Found(Strand::kDirect, found, p, walkStopped, stop));
+    if (found >= 0) out.push_back(ShowSpan(1, found, p, walkStopped, stop));
   }
 }
 
-void WalkReverse(const ORF& orf, std::uint32_t min, std::vector<GENE>& out) {
+void WalkReverse(const ORF& orf, std::uint32_t min, Lines& out) {
   const std::int64_t n = static_cast<std::int64_t>(orf.codon_array.size());
   if (n < min) return;
   for (std::int64_t s = n - 1; s >= 0; --s) {
@@ -75,68 +63,47 @@ void WalkReverse(const ORF& orf, std::uint32_t min, std::vector<GENE>& out) {
       if (!walkStopped && orf.starts_reverse[orf.codon_array[t]] && t - 3 - s >= min) found = t;
     }
     const bool stop = orf.stops_reverse[orf.codon_array[s]];
-    if (found >= 0) out.push_back(Found(Strand::kReverse, s, found, stop, walkStopped));
+    if (found >= 0) out.push_back(ShowSpan(2, s, found, stop, walkStopped));
   }
 }
 
-TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsageAlsoWhenBuiltInPlace) {
+TEST(OrfCodonArray, CodonEndingAtEachPositionAndUsage) {
   ORF orf;
   orf.codon_usage[5] = 7;  // reset by the build
   orf.BuildCodonArray(CodesOf("ATGNAAAT"));
   EXPECT_EQ(orf.codon_array, (std::vector<std::uint8_t>{64, 64, 14, 64, 64, 64, 0, 3}));
-  std::uint64_t total = 0;
-  for (const std::uint64_t count : orf.codon_usage) total += count;
-  EXPECT_EQ(total, 6u);  // positions 2 .. 7
-  EXPECT_EQ(orf.codon_usage[64], 3u);
-  EXPECT_EQ(orf.codon_usage[5], 0u);
-
-  std::mt19937 random(5);
-  // Lengths around the blocks of the in-place build (256 codons), and the shortest ones.
-  for (const std::size_t length : {0u, 1u, 2u, 3u, 257u, 258u, 259u, 514u, 1000u}) {
-    CodeSeq codes(length);
-    for (std::uint8_t& base : codes) base = static_cast<std::uint8_t>(std::min(random() % 6, 4ul));
-    ORF copied, moved;
-    copied.BuildCodonArray(codes);
-    moved.BuildCodonArray(CodeSeq(codes));
-    EXPECT_EQ(moved.codon_array, copied.codon_array) << length;
-    EXPECT_EQ(moved.codon_usage, copied.codon_usage) << length;
-  }
+  std::array<std::uint64_t, 65> usage{};  // positions 2 .. 7
+  usage[0] = usage[3] = usage[14] = 1;    // AAA, AAT, ATG
+  usage[64] = 3;
+  EXPECT_EQ(orf.codon_usage, usage);
 }
 
+// The rules the walks encode, worked by hand: a start at the first base, ORFs running off either
+// end, the order of the list. The minimum and the furthest start are pinned by cli.orf_atg_taa_*
+// and cli.orf_two_starts_one_stop, on the reverse strand by the reverse-complement test below.
 TEST(OrfSearch, HandWorkedSequences) {
-  struct Case {
-    std::string bases;
-    std::uint32_t min;
-    Lines orfs;
-  };
-  const Case cases[] = {
-      // The minimum counts the bases strictly between start and stop, on either strand.
-      {"TTATTTCAT", 3, {"2 2 8 co"}},
-      {"TTATTTCAT", 4, {}},
-      {"ATGTAA", 0, {"1 2 5 oc"}},
+  const std::pair<std::string_view, Lines> cases[] = {
+      {"ATGTAA", {"1 2 5 oc"}},
       // Without a stop an ORF runs to the last codon of its frame (down to 2, 1 or 0 reversed).
-      {"TAAATGAAAAAAAAAAAA", 0, {"1 5 17 co"}},
-      {"AAAAAAAAAAAACATTTA", 0, {"2 2 14 oc"}},
-      // The furthest start wins, also when only the nearer one would be too close.
-      {"ATGATGAAATAA", 6, {"1 2 11 oc"}},
-      {"ATGATGAAATAA", 7, {}},
+      {"TAAATGAAAAAAAAAAAA", {"1 5 17 co"}},
+      {"AAAAAAAAAAAACATTTA", {"2 2 14 oc"}},
       // Direct ones by stop end ascending, then reverse ones by stop end descending; the reverse
       // start CAT at 5 gives way to the one at 29 in the same frame.
-      {"ATGCATGAATAACTAAATTACATTTACCAT", 0, {"1 2 11 oc", "1 6 15 oc", "2 19 22 cc", "2 2 29 oo"}},
+      {"ATGCATGAATAACTAAATTACATTTACCAT", {"1 2 11 oc", "1 6 15 oc", "2 19 22 cc", "2 2 29 oo"}},
   };
-  for (const Case& c : cases) EXPECT_EQ(Shown(Searched(c.bases, c.min).orfs), c.orfs) << c.bases;
+  for (const auto& [bases, orfs] : cases)
+    EXPECT_EQ(Shown(Scanned(CodesOf(bases), 0, {kCodonATG}, {kCodonTAA})), orfs) << bases;
 }
 
 // Random bases, rich in the codons of the options (either strand) so that ORFs are many and
 // close together; now and then an N or a masked base.
 CodeSeq RandomCodes(std::mt19937& random, int length) {
-  static const Lines kCodons = {"ATG", "CAT", "GTG", "CAC", "TTG", "CAA", "CTG",
-                                "CAG", "TAA", "TTA", "TGA", "TCA", "TAG", "CTA"};
+  static const std::string_view kCodons = "ATGCATGTGCACTTGCAACTGCAGTAATTATGATCATAGCTA";
   const unsigned alphabet = 4 + random() % 3;  // sometimes N, sometimes masked
   CodeSeq codes;
   while (static_cast<int>(codes.size()) < length) {
     if (random() % 2 == 0) {
-      const CodeSeq codon = CodesOf(kCodons[random() % kCodons.size()]);
+      const CodeSeq codon = CodesOf(kCodons.substr(3 * (random() % (kCodons.size() / 3)), 3));
       codes.insert(codes.end(), codon.begin(), codon.end());
     } else {
       codes.push_back(static_cast<std::uint8_t>(random() % (random() % 40 == 0 ? alphabet : 4)));
@@ -146,43 +113,49 @@ CodeSeq RandomCodes(std::mt19937& random, int length) {
   return codes;
 }
 
-CodonSet RandomSet(std::mt19937& random, const std::vector<unsigned>& codons, unsigned oneIn) {
+const CodonSet kStarts = {kCodonATG, kCodonGTG, kCodonTTG, kCodonCTG};
+const CodonSet kStops = {kCodonTAA, kCodonTGA, kCodonTAG};
+
+// Each codon of `from` (of all 64 when it is empty) with a chance of one in `oneIn`.
+CodonSet RandomSet(std::mt19937& random, unsigned oneIn, CodonSet from = {}) {
   CodonSet set;
-  for (const unsigned codon : codons) {
-    if (random() % oneIn == 0) set.Add(codon);
+  for (unsigned codon = 0; codon < 64; ++codon) {
+    if ((from == CodonSet{} || from[codon]) && random() % oneIn == 0) set.Add(codon);
   }
   return set;
 }
 
 // Every length up to a few blocks of the scans, then longer ones; random codon sets and
-// minimum sizes: the one-pass scans must give exactly what the walks give, in the same order.
+// minimum sizes: the one-pass scans must give exactly what the walks give, in the same order,
+// and the in-place codon array what the copying build gives.
 TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
   std::mt19937 random(20240611);
-  std::vector<unsigned> all(64);
-  for (unsigned codon = 0; codon < 64; ++codon) all[codon] = codon;
   int found = 0;
   for (int round = 0; round < 4000; ++round) {
     const int length = round < 2700 ? round % 270 : static_cast<int>(random() % 3000);
     const CodeSeq codes = RandomCodes(random, length);
     ORF orf;
     if (round % 7 == 6) {  // any codon in any of the four sets
-      orf.starts_direct = RandomSet(random, all, 16);
-      orf.stops_direct = RandomSet(random, all, 16);
-      orf.starts_reverse = RandomSet(random, all, 16);
-      orf.stops_reverse = RandomSet(random, all, 16);
+      orf.starts_direct = RandomSet(random, 16);
+      orf.stops_direct = RandomSet(random, 16);
+      orf.starts_reverse = RandomSet(random, 16);
+      orf.stops_reverse = RandomSet(random, 16);
     } else {
-      orf.SetCodons(RandomSet(random, {kCodonATG, kCodonGTG, kCodonTTG, kCodonCTG}, 3),
-                    RandomSet(random, {kCodonTAA, kCodonTGA, kCodonTAG}, 3));
+      orf.SetCodons(RandomSet(random, 3, kStarts), RandomSet(random, 3, kStops));
     }
     const std::uint32_t pick = random() % 8;  // many with no minimum at all
     const std::uint32_t min = pick < 2 ? 0 : pick == 2 ? random() % 400 : random() % 30;
     orf.BuildCodonArray(codes);
-    std::vector<GENE> expected;
+    ORF moved;  // the in-place build of --orf, in blocks of 256 bases
+    moved.BuildCodonArray(CodeSeq(codes));
+    ASSERT_EQ(moved.codon_array, orf.codon_array) << "round " << round;
+    ASSERT_EQ(moved.codon_usage, orf.codon_usage) << "round " << round;
+    Lines expected;
     WalkDirect(orf, min, expected);
     WalkReverse(orf, min, expected);
     orf.SearchDirect(min);
     orf.SearchReverse(min);
-    ASSERT_EQ(Shown(orf.orfs), Shown(expected)) << "round " << round << " min " << min;
+    ASSERT_EQ(Shown(orf.orfs), expected) << "round " << round << " min " << min;
     found += static_cast<int>(expected.size());
   }
   EXPECT_GT(found, 20000);  // the cases are not all empty
@@ -193,30 +166,21 @@ TEST(OrfSearch, OnePassScansAgreeWithTheWalks) {
 // holds only if the reverse codon sets are the true reverse complements of the options.
 TEST(OrfSearch, ReverseStrandIsTheDirectStrandOfTheReverseComplement) {
   std::mt19937 random(77);
-  const CodonSet starts = {kCodonATG, kCodonGTG, kCodonTTG, kCodonCTG};
-  const CodonSet stops = {kCodonTAA, kCodonTGA, kCodonTAG};
   int compared = 0;
   for (int round = 0; round < 200; ++round) {
     const CodeSeq codes = RandomCodes(random, 3 + static_cast<int>(random() % 400));
     CodeSeq reverse(codes.rbegin(), codes.rend());
     for (std::uint8_t& code : reverse) code = code == kMasked ? code : Complement(code);
     const std::uint32_t min = random() % 20;
-    ORF plain, mirrored;
-    plain.SetCodons(starts, stops);
-    mirrored.SetCodons(starts, stops);
-    plain.BuildCodonArray(codes);
-    plain.SearchReverse(min);
-    mirrored.BuildCodonArray(reverse);
-    mirrored.SearchDirect(min);
     const std::int64_t n = static_cast<std::int64_t>(codes.size());
     Lines reverseOrfs, directOrfs;
-    for (const GENE& orf : plain.orfs) {
+    for (const GENE& orf : Scanned(codes, min, kStarts, kStops, Strand::kReverse)) {
       if (orf.left_complete) reverseOrfs.push_back(ShowGene(orf));
     }
-    for (const GENE& orf : mirrored.orfs) {
-      if (!orf.right_complete) continue;
-      directOrfs.push_back(ShowGene(Found(Strand::kReverse, n + 1 - orf.right, n + 1 - orf.left,
-                                          orf.right_complete, orf.left_complete)));
+    for (const GENE& orf : Scanned(reverse, min, kStarts, kStops, Strand::kDirect)) {
+      if (orf.right_complete)
+        directOrfs.push_back(
+            ShowSpan(2, n + 1 - orf.right, n + 1 - orf.left, true, orf.left_complete));
     }
     ASSERT_EQ(reverseOrfs, directOrfs) << "round " << round;
     compared += static_cast<int>(reverseOrfs.size());
