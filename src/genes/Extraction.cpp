@@ -100,10 +100,7 @@ void Genome::ExtractCoding(const VSeq& seq, const GeneSet& set, int left_margin,
   cod1.reserve(cod1.size() + set.genes.size());
   for (const GENE& gene : set.genes) {
     CodeSeq piece;
-    if (!CodingPiece(seq, gene, rules, piece)) {
-      rejected.push_back(gene);
-      continue;
-    }
+    if (!CodingPiece(seq, gene, rules, piece)) continue;
     std::vector<CodeSeq>& list = separate_cod && gene.gene_class == 2 ? cod2 : cod1;
     list.push_back(std::move(piece));
   }

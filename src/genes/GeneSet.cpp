@@ -78,9 +78,7 @@ void GeneSet::Parse(const char* begin, const char* end) {
   while (!text.empty()) {
     const std::size_t feed = text.find('\n', from);
     const std::string_view line = text.substr(start, std::min(feed, text.size()) - start);
-    const GENE gene = two_column ? ParsePair(line) : ParseLine(line);
-    genes.push_back(gene);
-    if (!gene.valid) rejected_text.append(line);
+    genes.push_back(two_column ? ParsePair(line) : ParseLine(line));
     if (feed == std::string_view::npos || feed + 1 == text.size()) break;
     start = feed;
     from = feed + 1;

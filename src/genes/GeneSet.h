@@ -16,8 +16,7 @@ class GeneSet {
  public:
   // Loads the named file whole and parses it; false (with the loader's message) if unreadable.
   bool LoadFile(const std::string& path);
-  // Replaces `genes` with one record per line; appends the lines of invalid records to
-  // `rejected_text`.
+  // Replaces `genes` with one record per line; an invalid line stays as a record marked invalid.
   void Parse(const char* begin, const char* end);
   // Six columns: id, strand (+/-), left ("<" = open), right (">" = open), length, class (1 or 2).
   GENE ParseLine(std::string_view line) const;
@@ -28,7 +27,6 @@ class GeneSet {
   void PrintStat() const;
 
   std::vector<GENE> genes;
-  std::string rejected_text;
   std::int32_t max_right = -1;  // limit of `right`; below 1 means none
   bool two_column = false;
   std::int32_t shift_zero = 0;  // added to both coordinates of the two-column grammar

@@ -46,8 +46,8 @@ struct PreStartOptions {
 // --PRE_START_LINES in this order; false at the first malformed one.
 bool ReadPreStartOptions(Param& param, PreStartOptions& options);
 
-// The training set of one annotated sequence: what the gene commands extract, the genes they
-// turn away, and the settings that decide which genes may train.
+// The training set of one annotated sequence: what the gene commands extract, and the
+// settings that decide which genes may train.
 class Genome {
  public:
   explicit Genome(const GenomeSettings& settings);
@@ -75,9 +75,7 @@ class Genome {
   std::vector<CodeSeq> cod2;
   std::vector<CodeSeq> non;
   std::vector<CodeSeq> pre_start;
-  std::vector<GENE> rejected;
   bool separate_cod = false;
-  std::vector<std::vector<int>> start_positions;
   std::uint32_t min_cod = 0;
   std::uint32_t min_non = 0;
   bool exclude_partial = true;
