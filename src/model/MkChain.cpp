@@ -200,20 +200,6 @@ void MkChain::Release() {
   std::vector<std::vector<double>>().swap(tables);
 }
 
-std::uint32_t MkChain::ReverseComplementIndex(std::uint32_t word, int letters) {
-  if (letters <= 0) return 0;
-  // Reverse the order of the 2-bit letters of the 32-bit word, keep the last `letters` of the
-  // original as the first of the result, and complement each (x -> 3 - x is x XOR 3).
-  std::uint32_t r = word;
-  r = ((r >> 2) & 0x33333333u) | ((r & 0x33333333u) << 2);
-  r = ((r >> 4) & 0x0f0f0f0fu) | ((r & 0x0f0f0f0fu) << 4);
-  r = ((r >> 8) & 0x00ff00ffu) | ((r & 0x00ff00ffu) << 8);
-  r = (r >> 16) | (r << 16);
-  const std::uint32_t all =
-      letters >= 16 ? ~std::uint32_t{0} : (std::uint32_t{1} << (2 * letters)) - 1;
-  return (letters >= 16 ? r : r >> (32 - 2 * letters)) ^ all;
-}
-
 void MkChain::CountForward(const std::uint8_t* begin, const std::uint8_t* end) {
   std::array<double*, 3> frames{};
   for (std::size_t f = 0; f < tables.size(); ++f) frames[f] = tables[f].data();
@@ -232,7 +218,7 @@ void MkChain::Symmetrise(int letters) {
   std::vector<double>& table = tables[0];
   const std::size_t words = WordCount(letters);
   for (std::size_t i = 0; i < words; ++i) {
-    const std::size_t j = ReverseComplementIndex(static_cast<std::uint32_t>(i), letters);
+    const std::size_t j = ReverseComplementWord(static_cast<std::uint32_t>(i), letters);
     const double mean = (table[i] + table[j]) * 0.5;
     table[i] = mean;
     table[j] = mean;

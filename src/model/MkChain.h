@@ -85,9 +85,6 @@ class MkChain {
   // The same test, silent.
   bool Printable() const { return Printable(precision); }
 
-  // The index of the reverse complement of a word of `letters` letters; 0 for no letters.
-  static std::uint32_t ReverseComplementIndex(std::uint32_t word, int letters);
-
   int left_margin = 3;
   int right_margin = 3;
   bool revcomp = false;

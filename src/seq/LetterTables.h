@@ -42,11 +42,19 @@ constexpr std::uint32_t WordIndex(const std::uint8_t* codes, int letters) {
 }
 
 // The index of the word's reverse complement: the word as the other strand reads it, its bases
-// complemented in reverse order.
+// complemented in reverse order; 0 for no letters. The chains take it once per table entry, so
+// the 2-bit letters are reversed in five swaps rather than one by one.
 constexpr std::uint32_t ReverseComplementWord(std::uint32_t word, int letters) {
-  std::uint32_t index = 0;
-  for (int i = 0; i < letters; ++i, word >>= 2) index = index << 2 | (kT - (word & 3));
-  return index;
+  if (letters <= 0) return 0;
+  std::uint32_t r = word;
+  r = ((r >> 2) & 0x33333333u) | ((r & 0x33333333u) << 2);
+  r = ((r >> 4) & 0x0f0f0f0fu) | ((r & 0x0f0f0f0fu) << 4);
+  r = ((r >> 8) & 0x00ff00ffu) | ((r & 0x00ff00ffu) << 8);
+  r = (r >> 16) | (r << 16);
+  // The last `letters` letters of the word are now the first ones; complementing is x XOR 3.
+  const std::uint32_t all =
+      letters >= 16 ? ~std::uint32_t{0} : (std::uint32_t{1} << (2 * letters)) - 1;
+  return (letters >= 16 ? r : r >> (32 - 2 * letters)) ^ all;
 }
 
 // The codon index of three base codes, 16 * first + 4 * second + third.

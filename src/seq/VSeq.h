@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "common/Param.h"
-#include "seq/Strand.h"
 #include "seq/LetterTables.h"
+#include "seq/Strand.h"
 
 namespace genetrain {
 
@@ -31,12 +31,6 @@ class VSeq {
   // The region around a start codon: `upstream` bases before it and `inside` bases from it,
   // clipped to the sequence; `rightEnd` is the gene's right + 1.
   CodeSeq RegionSeq(int left, int rightEnd, Strand strand, int upstream, int inside) const;
-
-  static std::uint8_t Complement(std::uint8_t code) { return IsBase(code) ? 3 - code : kOther; }
-  // The codon index 16 * b1 + 4 * b2 + b3 of three codes below 4.
-  static unsigned CodonIndex(std::uint8_t b1, std::uint8_t b2, std::uint8_t b3) {
-    return 16u * b1 + 4u * b2 + b3;
-  }
 
   CodeSeq sequence;
   std::vector<CodeSeq> records;

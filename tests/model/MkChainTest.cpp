@@ -62,17 +62,16 @@ std::uint32_t ReverseComplementByDefinition(std::uint32_t word, int letters) {
   return r;
 }
 
-TEST(MkChainTest, ReverseComplementIndex) {
-  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("AAC"), 3), Word("GTT"));
-  EXPECT_EQ(MkChain::ReverseComplementIndex(Word("GGAC"), 2), Word("GT"));  // the last letters
-  EXPECT_EQ(MkChain::ReverseComplementIndex(5, 0), 0u);
-  EXPECT_EQ(MkChain::ReverseComplementIndex(5, -1), 0u);
+TEST(MkChainTest, ReverseComplementWordAgainstTheDefinition) {
+  EXPECT_EQ(ReverseComplementWord(Word("AAC"), 3), Word("GTT"));
+  EXPECT_EQ(ReverseComplementWord(Word("GGAC"), 2), Word("GT"));  // the last letters
+  EXPECT_EQ(ReverseComplementWord(5, 0), 0u);
+  EXPECT_EQ(ReverseComplementWord(5, -1), 0u);
   std::mt19937 random(7);
   for (int letters = 1; letters <= 15; ++letters) {
     for (int i = 0; i < 2000; ++i) {
       const std::uint32_t word = random() & ((1u << (2 * letters)) - 1);
-      ASSERT_EQ(MkChain::ReverseComplementIndex(word, letters),
-                ReverseComplementByDefinition(word, letters))
+      ASSERT_EQ(ReverseComplementWord(word, letters), ReverseComplementByDefinition(word, letters))
           << word << " " << letters;
     }
   }

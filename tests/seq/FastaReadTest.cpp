@@ -69,7 +69,7 @@ TEST(VSeqRead, OneSequenceOrOnePerRecord) {
   for (const CodeSeq& record : seq.records) records += Codes(record) + "|";
   EXPECT_EQ(records, "01||23||");
   for (std::uint8_t code = 0; code <= kMasked; ++code) {
-    EXPECT_EQ(VSeq::Complement(code), code < 4 ? 3 - code : kOther);
+    EXPECT_EQ(Complement(code), code < 4 ? 3 - code : kOther);
   }
 }
 
