@@ -13,9 +13,11 @@
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace genetrain::test {
 

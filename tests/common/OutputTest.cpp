@@ -1,17 +1,12 @@
 #include "common/Output.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <random>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "TestSupport.h"
 

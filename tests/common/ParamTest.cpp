@@ -1,11 +1,7 @@
 #include "common/Param.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 #include "TestSupport.h"
 

@@ -1,9 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
-
 #include "TestSupport.h"
 #include "seq/SSeq.h"
 

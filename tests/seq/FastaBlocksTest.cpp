@@ -1,12 +1,7 @@
 #include "seq/FastaBlocks.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <random>
-#include <string>
-#include <vector>
 
 #include "TestSupport.h"
 #include "seq/MSSeq.h"

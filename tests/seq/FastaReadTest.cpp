@@ -1,11 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "TestSupport.h"
 #include "seq/SeqRecord.h"
-#include "seq/VSeq.h"
 
 namespace genetrain {
 namespace {

@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "TestSupport.h"
 #include "seq/MSSeq.h"
 
