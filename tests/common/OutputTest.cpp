@@ -11,11 +11,6 @@
 namespace genetrain {
 namespace {
 
-// How many entries the folder holds: a temporary file left behind shows here.
-std::ptrdiff_t Entries(const std::string& folder) {
-  return std::distance(std::filesystem::directory_iterator(folder), {});
-}
-
 TEST(OutputFile, ReplacesWholeOnCommitOnlyKeepingPermissions) {
   test::ScratchDir dir;
   const std::string path = dir.Write("out.txt", "an earlier output that is longer\n");
@@ -35,7 +30,7 @@ TEST(OutputFile, ReplacesWholeOnCommitOnlyKeepingPermissions) {
   struct stat status {};
   ::stat(path.c_str(), &status);
   EXPECT_EQ(status.st_mode & 07777, 0640u);
-  EXPECT_EQ(Entries(dir.Path("")), 1);
+  EXPECT_EQ(dir.Entries(), 1);
 }
 
 // Pieces of every size around the buffer's limits arrive in order: the gathered and the
@@ -84,7 +79,7 @@ TEST(OutputFile, TemporaryGoesWithTheProcess) {
   ASSERT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(WTERMSIG(status), SIGTERM);
   EXPECT_EQ(test::ReadFile(path), "kept\n");
-  EXPECT_EQ(Entries(dir.Path("")), 1);
+  EXPECT_EQ(dir.Entries(), 1);
 }
 
 }  // namespace
