@@ -13,9 +13,11 @@
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace genetrain::test {
 
@@ -31,7 +33,10 @@ class ScratchDir {
   ScratchDir& operator=(const ScratchDir&) = delete;
 
   std::string Path(std::string_view name) const { return (path_ / name).string(); }
-
+  // How many entries the folder holds: a temporary file left behind shows here.
+  std::ptrdiff_t Entries() const {
+    return std::distance(std::filesystem::directory_iterator(path_), {});
+  }
   std::string Write(std::string_view name, std::string_view content) const {
     const std::string path = Path(name);
     std::ofstream(path, std::ios::binary).write(content.data(), std::ssize(content));
@@ -50,13 +55,11 @@ inline std::string ReadFile(const std::string& path) {
 // What a command handler returned and printed.
 struct Outcome {
   bool ok = false;
-  std::string out;
-  std::string err;
+  std::string out, err;
 };
 
 using Pairs = std::initializer_list<std::pair<std::string, std::string>>;
 
-// What a call returned and printed on both streams.
 template <typename Call>
 Outcome Capture(Call&& call) {
   Outcome run;

@@ -1,9 +1,5 @@
 #include "common/FileBuf.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "TestSupport.h"
 
 namespace genetrain {

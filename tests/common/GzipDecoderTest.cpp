@@ -1,10 +1,5 @@
 #include "common/GzipDecoder.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-
 #include "TestSupport.h"
 
 namespace genetrain {

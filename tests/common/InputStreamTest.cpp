@@ -1,10 +1,6 @@
 #include "common/InputStream.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
-#include <random>
-#include <string>
 
 #include "TestSupport.h"
 

@@ -1,17 +1,15 @@
 #include "common/Param.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
-#include <string>
+#include <optional>
 #include <type_traits>
-#include <vector>
 
 #include "TestSupport.h"
 
 namespace genetrain {
 namespace {
 
+using namespace std::string_view_literals;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 using Args = std::vector<std::string>;
@@ -46,10 +44,6 @@ std::string Listing(const Param& param, std::string_view expected) {
   return listing;
 }
 
-void ExpectHolds(const Param& param, const std::string& expected) {
-  EXPECT_EQ(Listing(param, expected), expected);
-}
-
 std::string BadValue(std::string_view key, std::string_view value) {
   return "error in value of parameter " + std::string(key) + ": " + std::string(value) + "\n";
 }
@@ -59,19 +53,20 @@ std::string BadValue(std::string_view key, std::string_view value) {
 // went to standard error.
 struct Parsed {
   bool ok;
-  std::string stored;
-  std::string err = "";
+  std::string stored, err = "";
 };
 
-void ExpectParsed(const Param& param, bool ok, const Parsed& expected) {
-  EXPECT_EQ(ok, expected.ok);
-  ExpectHolds(param, expected.stored);
-  EXPECT_EQ(GetCapturedStderr(), expected.err);
+template <typename Input, typename Parse>
+void ExpectParsed(const std::pair<Input, Parsed>& c, Parse parse) {
+  Param param;
+  CaptureStderr();
+  EXPECT_EQ(parse(param, c.first), c.second.ok);
+  EXPECT_EQ(Listing(param, c.second.stored), c.second.stored);
+  EXPECT_EQ(GetCapturedStderr(), c.second.err);
 }
 
-TEST(ParamGrammar, CommandLine) {
-  const std::string error = "error in command line\n";
-  const std::pair<Args, Parsed> cases[] = {
+TEST(ParamGrammar, CommandLineAndText) {
+  const std::pair<Args, Parsed> arguments[] = {
       // A value of several arguments keeps the tabs between them.
       {{"--seq", "a.fa", "b.fa", "--stat"}, {true, "--seq a.fa\tb.fa\n--stat \n"}},
       // Blanks inside an argument stay inside the value; a line feed separates nothing here.
@@ -85,18 +80,13 @@ TEST(ParamGrammar, CommandLine) {
       {{}, {true, ""}},
       {{"", " "}, {true, ""}},
       // A lone double dash fails when a separator follows it.
-      {{"--stat", "--"}, {false, "", error}},
+      {{"--stat", "--"}, {false, "", "error in command line\n"}},
   };
-  for (const auto& [args, expected] : cases) {
-    SCOPED_TRACE(testing::PrintToString(args));
-    Param param;
-    CaptureStderr();
-    ExpectParsed(param, ParseArgs(param, args), expected);
+  for (const auto& c : arguments) {
+    SCOPED_TRACE(testing::PrintToString(c.first));
+    ExpectParsed(c, [](Param& param, const Args& args) { return ParseArgs(param, args); });
   }
-}
-
-TEST(ParamGrammar, TextWithPrefixAndSeparators) {
-  const std::pair<std::string, Parsed> cases[] = {
+  const std::pair<std::string, Parsed> texts[] = {
       // Quotes go only when both ends hold one; the value is trimmed before, not after.
       {"--a \"my model\" --b \"x --c x\" --d \" --e \"\" --f \"\"\" --g \" a \"",
        {true, "--a my model\n--b \"x\n--c x\"\n--d \"\n--e \n--f \"\n--g  a \n"}},
@@ -111,11 +101,11 @@ TEST(ParamGrammar, TextWithPrefixAndSeparators) {
       // Zero bytes are ordinary characters.
       {std::string("--a\0b x\0y", 9), {true, std::string("--a\0b x\0y\n", 10)}},
   };
-  for (const auto& [text, expected] : cases) {
-    SCOPED_TRACE(text);
-    Param param;
-    CaptureStderr();
-    ExpectParsed(param, param.ParseText(text, "--", " \t\n\r"), expected);
+  for (const auto& c : texts) {
+    SCOPED_TRACE(c.first);
+    ExpectParsed(c, [](Param& param, std::string_view text) {
+      return param.ParseText(text, "--", " \t\n\r");
+    });
   }
 }
 
@@ -127,9 +117,10 @@ TEST(ParamFile, InitPutsTheCommandLineOverTheParameterFile) {
   Param param;
   param.Set("--stale", "1");
   ASSERT_TRUE(ParseArgs(param, {"--ORDM", "5", "--par", path, "--seq", "g.fa"}, true));
-  ExpectHolds(param, "--NAME file\n--ORDM 5\n--par " + path + "\n--seq g.fa\n");
+  const std::string stored = "--NAME file\n--ORDM 5\n--par " + path + "\n--seq g.fa\n";
+  EXPECT_EQ(Listing(param, stored), stored);
   ASSERT_TRUE(ParseArgs(param, {"--stat", "x"}, true));
-  ExpectHolds(param, "--stat x\n");
+  EXPECT_EQ(Listing(param, "--stat x\n"), "--stat x\n");
 }
 
 // Getters and checks. Each case runs one getter from a target's starting value on a store
@@ -151,108 +142,94 @@ std::string Show(T value) {
   }
 }
 
-constexpr const char* kAbsent = nullptr;
+constexpr std::optional<std::string_view> kAbsent;
 
 template <typename T, typename Getter>
-std::string Got(Getter getter, T target, const char* value) {
+std::string Got(Getter getter, T target, std::optional<std::string_view> value) {
   Param param;
-  if (value != kAbsent) param.Set("--k", value);
+  if (value) param.Set("--k", *value);
   CaptureStderr();
   const bool ok = getter(param, target);
   const std::string err = GetCapturedStderr();
-  EXPECT_EQ(Value(param, "--k"), value != kAbsent ? value : "<absent>");  // no insertion
+  EXPECT_EQ(Value(param, "--k"), value ? *value : "<absent>");  // no insertion
   return (ok ? "ok " : "fail ") + Show(target) + " " + err;
 }
 
-#define GETTER(name) [](Param& param, auto& target) { return param.name(target, "--k"); }
-#define CHECK(name) [](Param& param, auto&) { return param.name("--k"); }
+constexpr auto kGet = [](Param& param, auto& target) { return param.Get(target, "--k"); };
+constexpr auto kGetOpt = [](Param& param, auto& target) { return param.GetOpt(target, "--k"); };
+constexpr auto kGetWord = [](Param& param, auto& target) { return param.GetWord(target, "--k"); };
+constexpr auto kGetOptWord = [](Param& param, auto& target) {
+  return param.GetOptWord(target, "--k");
+};
+constexpr auto kIsNonNegative = [](Param& param, auto&) { return param.IsNonNegative("--k"); };
 
-TEST(ParamGetters, TextAndWords) {
+TEST(ParamGetters, BoundaryTable) {
   const std::string missing = "error: missing parameter --k\n";
   const std::string def = "default";
-  const std::pair<std::string, std::string> cases[] = {
-      {Got(GETTER(Get), def, kAbsent), "fail 'default' " + missing},
-      {Got(GETTER(GetOpt), def, kAbsent), "ok 'default' "},
-      {Got(GETTER(Get), def, ""), "ok '' "},
-      {Got(GETTER(GetOpt), def, "a b"), "ok 'a b' "},
-      {Got(GETTER(GetWord), def, "a b"), "fail 'default' " + BadValue("--k", "a b")},
-      {Got(GETTER(GetOptWord), def, ""), "fail 'default' " + BadValue("--k", "")},
-      {Got(GETTER(GetOptWord), def, "a\tb"), "fail 'default' " + BadValue("--k", "a\tb")},
-      {Got(GETTER(GetOptWord), def, "a\rb"), "fail 'default' " + BadValue("--k", "a\rb")},
-      {Got(GETTER(GetOptWord), def, kAbsent), "ok 'default' "},
-      {Got(GETTER(GetWord), def, "genome.fa"), "ok 'genome.fa' "},
-  };
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    EXPECT_EQ(cases[i].first, cases[i].second) << "case " << i;
-  }
-}
-
-TEST(ParamGetters, Numbers) {
-  const std::string missing = "error: missing parameter --k\n";
   std::vector<std::pair<std::string, std::string>> cases = {
+      // Text: a word holds no blank, tab or carriage return, and is not empty; a bad value is
+      // shown byte for byte.
+      {Got(kGet, def, kAbsent), "fail 'default' " + missing},
+      {Got(kGetOpt, def, kAbsent), "ok 'default' "},
+      {Got(kGet, def, ""), "ok '' "},
+      {Got(kGetOpt, def, "a b"), "ok 'a b' "},
+      {Got(kGetWord, def, "a b"), "fail 'default' " + BadValue("--k", "a b")},
+      {Got(kGetOptWord, def, ""), "fail 'default' " + BadValue("--k", "")},
+      {Got(kGetOptWord, def, "a\tb"), "fail 'default' " + BadValue("--k", "a\tb")},
+      {Got(kGetOptWord, def, "a\rb"), "fail 'default' " + BadValue("--k", "a\rb")},
+      {Got(kGetOptWord, def, "a b\0c"sv), "fail 'default' " + BadValue("--k", "a b\0c"sv)},
+      {Got(kGetOptWord, def, kAbsent), "ok 'default' "},
+      {Got(kGetWord, def, "genome.fa"), "ok 'genome.fa' "},
       // A bool is the number not being zero; a malformed one is reported twice.
-      {Got(GETTER(GetOpt), true, "yes"),
-       "fail true " + BadValue("--k", "yes") + BadValue("--k", "yes")},
-      {Got(GETTER(Get), true, kAbsent), "fail true " + missing},
-      {Got(GETTER(GetOpt), true, kAbsent), "ok true "},
+      {Got(kGetOpt, true, "yes"), "fail true " + BadValue("--k", "yes") + BadValue("--k", "yes")},
+      {Got(kGet, true, kAbsent), "fail true " + missing},
+      {Got(kGetOpt, true, kAbsent), "ok true "},
       // Unsigned: digits only, held at the top of the range, never wrapped.
-      {Got(GETTER(Get), 7u, kAbsent), "fail 7 " + missing},
-      {Got(GETTER(Get), 7u, ""), "ok 0 "},
-      {Got(GETTER(Get), 7u, "007"), "ok 7 "},
-      {Got(GETTER(Get), 7u, "2147483648"), "ok 2147483648 "},
-      {Got(GETTER(Get), 7u, "4294967295"), "ok 4294967295 "},
-      {Got(GETTER(Get), 7u, "4294967296"), "ok 4294967295 "},
-      {Got(GETTER(Get), 7u, "99999999999999999999999"), "ok 4294967295 "},
+      {Got(kGet, 7u, kAbsent), "fail 7 " + missing},
+      {Got(kGet, 7u, ""), "ok 0 "},
+      {Got(kGet, 7u, "007"), "ok 7 "},
+      {Got(kGet, 7u, "2147483648"), "ok 2147483648 "},
+      {Got(kGet, 7u, "4294967295"), "ok 4294967295 "},
+      {Got(kGet, 7u, "4294967296"), "ok 4294967295 "},
+      {Got(kGet, 7u, "99999999999999999999999"), "ok 4294967295 "},
       // Signed: a minus and digits, up to the first other character; a plus is refused.
-      {Got(GETTER(GetOpt), 99, "+5"), "fail 99 " + BadValue("--k", "+5")},
-      {Got(GETTER(GetOpt), 99, kAbsent), "ok 99 "},
-      {Got(GETTER(GetOpt), 99, "-5"), "ok -5 "},
-      {Got(GETTER(GetOpt), 99, "1-2"), "ok 1 "},
-      {Got(GETTER(GetOpt), 99, "-"), "ok 0 "},
-      {Got(GETTER(GetOpt), 99, "--5"), "ok 0 "},
-      {Got(GETTER(GetOpt), 99, ""), "ok 0 "},
-      {Got(GETTER(GetOpt), 99, "2147483648"), "ok 2147483647 "},
-      {Got(GETTER(GetOpt), 99, "-2147483649"), "ok -2147483648 "},
+      {Got(kGetOpt, 99, "+5"), "fail 99 " + BadValue("--k", "+5")},
+      {Got(kGetOpt, 99, kAbsent), "ok 99 "},
+      {Got(kGetOpt, 99, "-5"), "ok -5 "},
+      {Got(kGetOpt, 99, "1-2"), "ok 1 "},
+      {Got(kGetOpt, 99, "-"), "ok 0 "},
+      {Got(kGetOpt, 99, "--5"), "ok 0 "},
+      {Got(kGetOpt, 99, ""), "ok 0 "},
+      {Got(kGetOpt, 99, "2147483648"), "ok 2147483647 "},
+      {Got(kGetOpt, 99, "-2147483649"), "ok -2147483648 "},
       // Real: reported once; read up to the first character that does not fit.
-      {Got(GETTER(GetOpt), 0.25, "abc"), "fail 0.25 " + BadValue("--k", "abc")},
-      {Got(GETTER(GetOpt), 0.25, kAbsent), "ok 0.25 "},
-      {Got(GETTER(GetOpt), 0.25, "1.2.3"), "ok " + Show(1.2) + " "},
-      {Got(GETTER(GetOpt), 0.25, "e"), "ok 0 "},
-      {Got(GETTER(GetOpt), 0.25, "+"), "ok 0 "},
-      {Got(GETTER(GetOpt), 0.25, "."), "ok 0 "},
-      {Got(GETTER(GetOpt), 0.25, "-2.5"), "ok -2.5 "},
-      {Got(GETTER(GetOpt), 0.25, "1e99"), "ok " + Show(1e99) + " "},
-      {Got(GETTER(GetOpt), 0.25, ""), "ok 0 "},
+      {Got(kGetOpt, 0.25, "abc"), "fail 0.25 " + BadValue("--k", "abc")},
+      {Got(kGetOpt, 0.25, kAbsent), "ok 0.25 "},
+      {Got(kGetOpt, 0.25, "1.2.3"), "ok " + Show(1.2) + " "},
+      {Got(kGetOpt, 0.25, "e"), "ok 0 "},
+      {Got(kGetOpt, 0.25, "+"), "ok 0 "},
+      {Got(kGetOpt, 0.25, "."), "ok 0 "},
+      {Got(kGetOpt, 0.25, "-2.5"), "ok -2.5 "},
+      {Got(kGetOpt, 0.25, "1e99"), "ok " + Show(1e99) + " "},
+      {Got(kGetOpt, 0.25, ""), "ok 0 "},
       // Non-negative: a bad character reported twice, a negative value once.
-      {Got(CHECK(IsNonNegative), 0.5, "x"),
-       "fail 0.5 " + BadValue("--k", "x") + BadValue("--k", "x")},
-      {Got(CHECK(IsNonNegative), 0.5, "-0.1"), "fail 0.5 " + BadValue("--k", "-0.1")},
-      {Got(CHECK(IsNonNegative), 0.5, "-0"), "ok 0.5 "},
+      {Got(kIsNonNegative, 0.5, "x"), "fail 0.5 " + BadValue("--k", "x") + BadValue("--k", "x")},
+      {Got(kIsNonNegative, 0.5, "-0.1"), "fail 0.5 " + BadValue("--k", "-0.1")},
+      {Got(kIsNonNegative, 0.5, "-0"), "ok 0.5 "},
   };
   for (const char* zero : {"0", "0.0", "-0", "", "e"}) {
-    cases.push_back({Got(GETTER(Get), true, zero), "ok false "});
+    cases.push_back({Got(kGet, true, zero), "ok false "});
   }
   for (const char* nonZero : {"0.5", "-1", "1", "1e3", "+2"}) {
-    cases.push_back({Got(GETTER(Get), false, nonZero), "ok true "});
+    cases.push_back({Got(kGet, false, nonZero), "ok true "});
   }
   for (const char* bad : {"-5", "+5", "5.0", "1e3", " 5", "abc"}) {
-    cases.push_back({Got(GETTER(GetOpt), 7u, bad), "fail 7 " + BadValue("--k", bad)});
+    cases.push_back({Got(kGetOpt, 7u, bad), "fail 7 " + BadValue("--k", bad)});
   }
   for (std::size_t i = 0; i < std::size(cases); ++i) {
     EXPECT_EQ(cases[i].first, cases[i].second) << "case " << i;
   }
 }
-
-TEST(ParamGetters, BadValueShowsTheValueByteForByte) {
-  Param param;
-  param.Set("--x", std::string("a\0b", 3));
-  CaptureStderr();
-  param.ReportBadValue("--x");
-  EXPECT_EQ(GetCapturedStderr(), std::string("error in value of parameter --x: a\0b\n", 37));
-}
-
-#undef GETTER
-#undef CHECK
 
 }  // namespace
 }  // namespace genetrain

@@ -1,11 +1,5 @@
 #include "common/Report.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
-
 #include "TestSupport.h"
 
 namespace genetrain {

@@ -1,9 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
-
 #include "TestSupport.h"
 #include "seq/SSeq.h"
 
@@ -15,9 +9,9 @@ TEST(CleanJoin, ReportTellsTheLengthOfTheTrimmedText) {
   const std::string fasta = dir.Write("in.fa", ">a\nACNNNNNNGT\n>b\nNNNN\n>c\nNNA\n");
   const test::Outcome run = test::RunCommand(&SSeq::CleanJoin, {{"--clean_join", ""},
                                                                 {"--seq", fasta},
+                                                                {"--log", ""},
                                                                 {"--GAP_FILLER", "NN"},
-                                                                {"--MAX_N_SUBSTRING", "2"},
-                                                                {"--log", ""}});
+                                                                {"--MAX_N_SUBSTRING", "2"}});
   EXPECT_TRUE(run.ok);
   // The records hold 17 letters, the joined text ACNNNNNNGTNNNNA 15, trimmed 9.
   EXPECT_NE(run.out.find("All letters - 17   9\n"), std::string::npos) << run.out;

@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
 #include <cstdint>
-#include <random>
-#include <string>
-#include <vector>
 
 #include "TestSupport.h"
 #include "common/Output.h"
@@ -29,14 +24,10 @@ struct JoinedFile {
 };
 
 // Some hand-made texts, then texts of A, C and N runs of every length from 0 to 12, so that runs
-// meet the pieces' boundaries in every way.
+// meet the pieces' boundaries in every way. Only the capital N forms runs.
 std::vector<std::string> Texts(std::mt19937& random) {
-  std::vector<std::string> texts = {"",
-                                    "ACNNNNNNNGT",
-                                    "NNNNNAGNNNNNNCNTNNNNNN",
-                                    "NNNNNNNN",
-                                    "AnnnnNNNNnT",  // only the capital N forms runs
-                                    "CNNNCNNNNCNNNNNNC",
+  std::vector<std::string> texts = {"",         "ACNNNNNNNGT", "NNNNNAGNNNNNNCNTNNNNNN",
+                                    "NNNNNNNN", "AnnnnNNNNnT", "CNNNCNNNNCNNNNNNC",
                                     "NANNGN"};
   std::uniform_int_distribution<std::size_t> length(0, 12);
   for (int round = 0; round < 200; ++round) {
@@ -70,20 +61,6 @@ std::string TrimmedPlainly(std::string_view text, std::size_t maximum) {
   return out;
 }
 
-TEST(JoinedText, TrimmingInPiecesGivesWhatTrimmingTheWholeTextGives) {
-  std::mt19937 random(7);
-  for (const std::string& text : Texts(random)) {
-    for (const std::size_t maximum : {0, 1, 2, 11}) {
-      const std::string whole = TrimmedPlainly(text, maximum);
-      JoinedFile out;
-      out.text.TrimRuns(maximum);
-      PutInPieces(out.text, text, random);
-      ASSERT_EQ(out.Finish(), whole) << text << " " << maximum;
-      EXPECT_EQ(out.text.Size(), whole.size());
-    }
-  }
-}
-
 // Each run of at least |left| + |right| N, found in the text as a whole, flanked.
 std::string FlankedByHand(const std::string& text, const std::string& left,
                           const std::string& right) {
@@ -99,9 +76,18 @@ std::string FlankedByHand(const std::string& text, const std::string& left,
   return out;
 }
 
-TEST(JoinedText, FlankingInPiecesGivesWhatFlankingTheWholeTextGives) {
-  std::mt19937 random(11);
+// Trimming and flanking in pieces give what the plain versions give on the whole text.
+TEST(JoinedText, EditsInPiecesAgreeWithTheWholeText) {
+  std::mt19937 random(7);
   for (const std::string& text : Texts(random)) {
+    for (const std::size_t maximum : {0, 1, 2, 11}) {
+      const std::string whole = TrimmedPlainly(text, maximum);
+      JoinedFile out;
+      out.text.TrimRuns(maximum);
+      PutInPieces(out.text, text, random);
+      ASSERT_EQ(out.Finish(), whole) << text << " " << maximum;
+      EXPECT_EQ(out.text.Size(), whole.size());
+    }
     for (const auto& [left, right] : std::vector<std::pair<std::string, std::string>>{
              {"AA", "TT"}, {"", "G"}, {"GCG", ""}, {"", ""}, {"NA", "AN"}}) {
       JoinedFile out;
@@ -138,40 +124,31 @@ std::string Show(const SSeq::Tally& tally) {
          " " + std::to_string(tally.t) + " " + std::to_string(tally.n);
 }
 
+// Records below the minimum go, without a filler; the filler comes only after text, so empty
+// records kept first get none; a minimum of 3,000,000,000 arrives here as a negative number, so
+// every record is kept.
 TEST(RecordJoiner, FillerBetweenRecordsKeptAndTallies) {
-  struct Case {
-    std::vector<std::string> records;
+  const struct {
+    std::string_view records;  // "|" between them
     std::string filler;
     std::int32_t minimum;
     std::size_t count;
     std::string out, all, kept;  // tallies: A C G T N
+  } cases[] = {
+      {"ACGTNNNN|NNNNNNNN|GGGG", "NNNNN", 1, 2, "ACGTNNNNNNNNNGGGG", "1 1 5 1 12", "1 1 5 1 4"},
+      {"||AC||GT", "xy", 0, 5, "ACxyxyGT", "1 1 1 1 0", "1 1 1 1 0"},
+      {"NN||A", "-", static_cast<std::int32_t>(3000000000u), 3, "NN--A", "1 0 0 0 2", "1 0 0 0 2"},
+      {"", "-", 1, 0, "", "0 0 0 0 0", "0 0 0 0 0"},
   };
-  const Case cases[] = {
-      // Records below the minimum go, without a filler.
-      {{"ACGTNNNN", "NNNNNNNN", "GGGG"},
-       "NNNNN",
-       1,
-       2,
-       "ACGTNNNNNNNNNGGGG",
-       "1 1 5 1 12",
-       "1 1 5 1 4"},
-      // The filler comes only after text, so empty records kept first get none.
-      {{"", "", "AC", "", "GT"}, "xy", 0, 5, "ACxyxyGT", "1 1 1 1 0", "1 1 1 1 0"},
-      // A minimum of 3,000,000,000 arrives here as a negative number: every record is kept.
-      {{"NN", "", "A"},
-       "-",
-       static_cast<std::int32_t>(3000000000u),
-       3,
-       "NN--A",
-       "1 0 0 0 2",
-       "1 0 0 0 2"},
-      {{}, "-", 1, 0, "", "0 0 0 0 0", "0 0 0 0 0"},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     JoinedFile out;
     RecordJoiner joiner(c.filler, c.minimum);
     joiner.AddOutput(out.text);
-    for (const std::string& record : c.records) joiner.Add(record);
+    for (std::size_t start = 0, end = 0; !c.records.empty() && end != std::string_view::npos;
+         start = end + 1) {
+      end = c.records.find('|', start);
+      joiner.Add(c.records.substr(start, end - start));
+    }
     EXPECT_EQ(out.Finish(), c.out);
     EXPECT_EQ(joiner.KeptRecords(), c.count) << c.out;
     EXPECT_EQ(Show(joiner.All()), c.all) << c.out;

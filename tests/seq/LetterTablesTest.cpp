@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "common/Param.h"
+
 namespace genetrain {
 namespace {
 
@@ -20,32 +22,48 @@ TEST(IsBase, ExactlyTheBaseLettersOfEveryByte) {
   }
 }
 
+// The codon index of three letters, from their position in "ACGT".
+unsigned Index(std::string_view codon) {
+  const auto code = [](char letter) {
+    return static_cast<unsigned>(std::string_view("ACGT").find(letter));
+  };
+  return CodonIndex(code(codon[0]), code(codon[1]), code(codon[2]));
+}
+
 // Against the letters: every codon written out, reverse-complemented as text and coded again.
 TEST(ReverseComplementCodon, MatchesTheReverseComplementOfTheLetters) {
   const std::string_view letters = "ACGT";
   const auto complement = [](char letter) { return "TGCA"[std::string_view("ACGT").find(letter)]; };
-  const auto index = [&](std::string_view codon) {
-    return CodonIndex(static_cast<unsigned>(letters.find(codon[0])),
-                      static_cast<unsigned>(letters.find(codon[1])),
-                      static_cast<unsigned>(letters.find(codon[2])));
-  };
   for (const char first : letters) {
     for (const char second : letters) {
       for (const char third : letters) {
         const std::string codon = {first, second, third};
         const std::string reverse = {complement(third), complement(second), complement(first)};
-        EXPECT_EQ(ReverseComplementCodon(index(codon)), index(reverse)) << codon;
+        EXPECT_EQ(ReverseComplementCodon(Index(codon)), Index(reverse)) << codon;
       }
     }
   }
-  EXPECT_EQ(index("ATG"), 14u);  // the index the model files and the ORF search use
-  // The named codons are the codons their names spell.
-  const std::pair<unsigned, std::string_view> named[] = {
-      {kCodonATG, "ATG"}, {kCodonGTG, "GTG"}, {kCodonTTG, "TTG"}, {kCodonCTG, "CTG"},
-      {kCodonTAA, "TAA"}, {kCodonTGA, "TGA"}, {kCodonTAG, "TAG"}};
-  for (const auto& [codon, spelled] : named) EXPECT_EQ(codon, index(spelled)) << spelled;
+  EXPECT_EQ(Index("ATG"), 14u);  // the index the model files and the ORF search use
   EXPECT_EQ(CodonSet({kCodonTAA, kCodonTGA, kCodonTAG}).ReverseComplemented(),
-            CodonSet({index("TTA"), index("TCA"), index("CTA")}));
+            CodonSet({Index("TTA"), Index("TCA"), Index("CTA")}));
+}
+
+// The named codons, and each codon flag alone, name the codon they spell.
+TEST(CodonFlags, EachNamesTheCodonItSpells) {
+  const std::pair<unsigned, std::string_view> named[] = {
+      {kCodonTAA, "TAA"}, {kCodonTGA, "TGA"}, {kCodonTAG, "TAG"}, {kCodonATG, "ATG"},
+      {kCodonGTG, "GTG"}, {kCodonTTG, "TTG"}, {kCodonCTG, "CTG"}};
+  for (const auto& [codon, spelled] : named) {
+    EXPECT_EQ(codon, Index(spelled)) << spelled;
+    Param param;
+    param.Set("--" + std::string(spelled) + "_", "0.5");
+    CodonSet stops, starts;
+    ASSERT_TRUE(ReadStopCodons(param, OnBadFlag::kFail, stops));
+    ASSERT_TRUE(ReadStartCodons(param, OnBadFlag::kFail, starts));
+    const bool stop = spelled.starts_with("TA") || spelled == "TGA";
+    EXPECT_EQ(stops, stop ? CodonSet{Index(spelled)} : CodonSet{}) << spelled;
+    EXPECT_EQ(starts, stop ? CodonSet{} : CodonSet{Index(spelled)}) << spelled;
+  }
 }
 
 }  // namespace

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "TestSupport.h"
 #include "seq/SSeq.h"
 
