@@ -18,10 +18,7 @@ Genome::Genome(const GenomeSettings& settings)
     : separate_cod(settings.separate_cod),
       min_cod(settings.min_cod),
       min_non(settings.min_non),
-      exclude_partial(settings.exclude_partial),
-      start_codons(settings.start_codons),
-      start_precision(settings.start_precision),
-      start_pseudocounts(settings.start_pseudocounts) {}
+      exclude_partial(settings.exclude_partial) {}
 
 Genome::Genome(Param& param) : Genome(ReadGenomeSettings(param)) {}
 

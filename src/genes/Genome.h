@@ -15,7 +15,8 @@
 
 namespace genetrain {
 
-// The settings that decide which genes may train, and how start codons are counted.
+// The settings that decide which genes may train, and how the model builder counts start codons
+// (read with them, in one pass, since their messages come in this order).
 struct GenomeSettings {
   std::uint32_t min_cod = 0;
   std::uint32_t min_non = 0;
@@ -47,7 +48,7 @@ struct PreStartOptions {
 bool ReadPreStartOptions(Param& param, PreStartOptions& options);
 
 // The training set of one annotated sequence: what the gene commands extract, and the
-// settings that decide which genes may train.
+// settings that decide which genes may train. The start-codon settings stay with the caller.
 class Genome {
  public:
   explicit Genome(const GenomeSettings& settings);
@@ -80,9 +81,6 @@ class Genome {
   std::uint32_t min_non = 0;
   bool exclude_partial = true;
   std::array<char, 6> alphabet = {'A', 'C', 'G', 'T', 'N', 'X'};
-  CodonSet start_codons{};
-  std::uint32_t start_precision = 3;
-  std::uint32_t start_pseudocounts = 0;
   std::int32_t seq_length = 0;
 };
 

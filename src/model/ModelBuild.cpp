@@ -129,7 +129,8 @@ bool BuildFromGenome(Report& report, Param& param, const MkmodOptions& options) 
   VSeq seq;
   GeneSet set;
   if (!LoadAnnotated(seq, set, param, false)) return false;
-  Genome genome(param);
+  const GenomeSettings settings = ReadGenomeSettings(param);
+  Genome genome(settings);
   genome.ExtractCoding(seq, set, 0, 0);
   genome.ExtractNonCoding(seq, set);
 
@@ -157,9 +158,9 @@ bool BuildFromGenome(Report& report, Param& param, const MkmodOptions& options) 
     return false;
   }
 
-  const StartCodonEstimate starts =
-      EstimateStartCodons(genome.cod1, genome.cod2, genome.start_codons, genome.start_pseudocounts);
-  SetStartEntries(report, starts, genome.start_precision, options.startTexts);
+  const StartCodonEstimate starts = EstimateStartCodons(
+      genome.cod1, genome.cod2, settings.start_codons, settings.start_pseudocounts);
+  SetStartEntries(report, starts, settings.start_precision, options.startTexts);
   if (!options.preStart) return true;
   if (!options.fixMotif && !genome.WritePreStartFile(seq, set, param)) return false;
   if (!options.motifWidth || !options.fixMotif) return true;
