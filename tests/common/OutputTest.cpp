@@ -11,7 +11,7 @@
 namespace genetrain {
 namespace {
 
-TEST(OutputFile, ReplacesWholeOnCommitOnlyKeepingPermissions) {
+TEST(OutputFile, ReplacesWholeOnCommitOnlyKeepingPermissionsAndLinks) {
   test::ScratchDir dir;
   const std::string path = dir.Write("out.txt", "an earlier output that is longer\n");
   ::chmod(path.c_str(), 0640);
@@ -31,6 +31,13 @@ TEST(OutputFile, ReplacesWholeOnCommitOnlyKeepingPermissions) {
   ::stat(path.c_str(), &status);
   EXPECT_EQ(status.st_mode & 07777, 0640u);
   EXPECT_EQ(dir.Entries(), 1);
+  // A link stays a link, to the new content.
+  const std::string link = dir.Path("link.txt");
+  ASSERT_EQ(::symlink("out.txt", link.c_str()), 0);
+  ASSERT_TRUE(WriteFile(link, "newer\n"));
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(test::ReadFile(path), "newer\n");
+  EXPECT_EQ(dir.Entries(), 2);
 }
 
 // Pieces of every size around the buffer's limits arrive in order: the gathered and the
@@ -49,17 +56,6 @@ TEST(OutputFile, PiecesOfAnySizeArriveInOrder) {
   }
   ASSERT_TRUE(file.Commit());
   EXPECT_EQ(test::ReadFile(dir.Path("out")), expected);
-}
-
-// A link stays a link, to the new content.
-TEST(OutputFile, LinkStaysALink) {
-  test::ScratchDir dir;
-  const std::string real = dir.Write("real.txt", "old\n");
-  const std::string link = dir.Path("link.txt");
-  ASSERT_EQ(::symlink("real.txt", link.c_str()), 0);
-  ASSERT_TRUE(WriteFile(link, "new\n"));
-  EXPECT_TRUE(std::filesystem::is_symlink(link));
-  EXPECT_EQ(test::ReadFile(real), "new\n");
 }
 
 // The temporary file goes when a termination signal ends the process before it is in place.

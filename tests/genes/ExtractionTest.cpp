@@ -50,13 +50,6 @@ TEST(GeneSetSixColumns, CoordinatesStrandClassLimitAndUnreadableSpans) {
   EXPECT_TRUE(set.ParseLine("g + 4 1002 999 1").valid);
 }
 
-// Shift 1, reversed and unreadable pairs are pinned by the cli.intergenic_* cases.
-TEST(GeneSetTwoColumns, UnshiftedZeroAndAThirdColumn) {
-  const GeneSet set;
-  EXPECT_EQ(Show(set.ParsePair("0 98")), "0 -1 97 cc valid 0");
-  EXPECT_EQ(Show(set.ParsePair("1 2 3")), "0 -1 -1 cc invalid 0");
-}
-
 // A line feed closing the buffer opens no further line, and an empty buffer has none; each
 // Parse replaces the records of the one before.
 TEST(GeneSetParse, EveryLineIsARecordUpToTheBufferEdges) {
@@ -77,12 +70,15 @@ TEST(GeneSetParse, EveryLineIsARecordUpToTheBufferEdges) {
   }
 }
 
-TEST(GeneSetTokens, ReadCountTakesPlainDecimalsThatFit) {
+// Two columns: shift 1, reversed and unreadable pairs are pinned by the cli.intergenic_* cases.
+TEST(GeneSetTokens, ReadCountTakesPlainDecimalsThatFitAndPairsTwoColumns) {
   for (const std::string_view refused : {"2147483648", "99999999999999", "+5", "5\r", ""})
     EXPECT_EQ(ReadCount(refused), -1) << refused;
   EXPECT_EQ(ReadCount("0"), 0);
   EXPECT_EQ(ReadCount("0042"), 42);
   EXPECT_EQ(ReadCount("2147483647"), 2147483647);
+  EXPECT_EQ(Show(GeneSet().ParsePair("0 98")), "0 -1 97 cc valid 0");
+  EXPECT_EQ(Show(GeneSet().ParsePair("1 2 3")), "0 -1 -1 cc invalid 0");
 }
 
 TEST(ExtractCoding, MarginsLengthLimitsAndStopsInside) {

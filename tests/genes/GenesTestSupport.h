@@ -26,9 +26,9 @@ inline GeneSet GenesOn(const VSeq& seq, std::string_view text) {
 }
 
 inline std::string ReverseComplement(std::string_view bases) {
-  std::string reverse;
-  for (auto base = bases.rbegin(); base != bases.rend(); ++base)
-    reverse.push_back("TGCAN"[std::min<std::size_t>(std::string_view("ACGT").find(*base), 4)]);
+  std::string reverse(bases.rbegin(), bases.rend());
+  for (char& base : reverse)
+    base = "TGCAN"[std::min<std::size_t>(std::string_view("ACGT").find(base), 4)];
   return reverse;
 }
 
