@@ -14,14 +14,6 @@
 namespace genetrain {
 namespace {
 
-GENE Gene(Strand strand, std::int32_t left, std::int32_t right) {
-  GENE gene;
-  gene.strand = strand;
-  gene.left = left;
-  gene.right = right;
-  return gene;
-}
-
 using Counts = std::array<int, 4>;  // both direct, both reverse, stop direct, stop reverse
 
 Counts MatchOf(const std::vector<GENE>& source, const std::vector<GENE>& target) {
@@ -49,22 +41,6 @@ Counts LiteralMatch(const std::vector<GENE>& source, const std::vector<GENE>& ta
   return counts;
 }
 
-TEST(CompareMatch, FirstTargetWithTheSameStrandAndStopDecides) {
-  const GENE direct = Gene(Strand::kDirect, 0, 98), reverse = Gene(Strand::kReverse, 499, 699);
-  // A stop-only partner ahead of an exact one makes a stop-only match, and the other way.
-  EXPECT_EQ(MatchOf({direct}, {Gene(Strand::kDirect, 3, 98), direct}), (Counts{0, 0, 1, 0}));
-  EXPECT_EQ(MatchOf({direct}, {direct, Gene(Strand::kDirect, 3, 98)}), (Counts{1, 0, 0, 0}));
-  // The other strand does not decide; a reverse gene stops at its left end; a target serves
-  // every source copy.
-  EXPECT_EQ(MatchOf({reverse}, {Gene(Strand::kDirect, 499, 699), reverse}), (Counts{0, 1, 0, 0}));
-  EXPECT_EQ(MatchOf({reverse}, {Gene(Strand::kReverse, 400, 699)}), (Counts{0, 0, 0, 0}));
-  EXPECT_EQ(MatchOf({direct, direct, Gene(Strand::kDirect, 6, 98)}, {direct}),
-            (Counts{2, 0, 1, 0}));
-  // Lines that did not parse are default records: they pair like reverse genes.
-  EXPECT_EQ(MatchOf({GENE{}, GENE{}}, {Gene(Strand::kDirect, -1, -1), GENE{}}),
-            (Counts{0, 2, 0, 0}));
-}
-
 // Small coordinate ranges so that stops and starts collide often. Strand values beyond 0..2,
 // extreme coordinates and values a bit or a byte apart check that strand and stop end never
 // mix up: (strand 1, stop 0) is not (strand 0, stop 256) nor (strand 0, stop 1 << 24).
@@ -88,11 +64,11 @@ Strand RandomStrand(std::mt19937& random) {
 }
 
 std::vector<GENE> RandomGenes(std::mt19937& random, std::size_t count, int span) {
-  std::vector<GENE> genes;
-  for (std::size_t i = 0; i < count; ++i) {
-    const Strand strand = RandomStrand(random);
-    const std::int32_t left = RandomCoordinate(random, span);
-    genes.push_back(Gene(strand, left, RandomCoordinate(random, span)));
+  std::vector<GENE> genes(count);
+  for (GENE& gene : genes) {
+    gene.strand = RandomStrand(random);
+    gene.left = RandomCoordinate(random, span);
+    gene.right = RandomCoordinate(random, span);
   }
   return genes;
 }

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TestSupport.h"
@@ -12,27 +13,17 @@
 namespace genetrain {
 namespace {
 
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
-
 GibbsLayout LayoutOf(const std::string& text) {
   test::ScratchDir dir;
   Gibbs gibbs;
   return gibbs.DetectLayout(dir.Write("gibbs.out", text));
 }
 
-// `count` filler lines, then the given line.
-std::string After(int count, const std::string& line) {
-  std::string text;
-  for (int i = 0; i < count; ++i) text.append("line ").append(std::to_string(i + 1)).append("\n");
-  return text + line;
-}
+const std::string kTenLines = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n";
 
 TEST(GibbsLayout, GibbsLineWithinTheFirstElevenLines) {
-  EXPECT_EQ(LayoutOf(After(10, "Gibbs 3.10\n")), GibbsLayout::kNumMotifs);  // the eleventh
-  EXPECT_EQ(LayoutOf(After(11, "Gibbs 3.10\n")), GibbsLayout::kMotif);      // the twelfth
+  EXPECT_EQ(LayoutOf(kTenLines + "Gibbs 3.10\n"), GibbsLayout::kNumMotifs);  // the eleventh
+  EXPECT_EQ(LayoutOf(kTenLines + "11\nGibbs 3.10\n"), GibbsLayout::kMotif);  // the twelfth
   EXPECT_EQ(LayoutOf(" Gibbs 3.10\n"), GibbsLayout::kMotif);  // must stand at the line start
   EXPECT_EQ(LayoutOf(""), GibbsLayout::kMotif);
 }
@@ -44,19 +35,19 @@ std::string OddToken(const std::string& line) {
   return "warning: unexpected format in gibbs line " + line + "\n";
 }
 
-// The sites and starts ("site@start " each) and the warnings parsing the text finds.
-std::string Parsed(GibbsLayout layout, const std::string& text, std::string& out) {
+// The sites and starts ("site@start " each) that parsing the text finds, and its warnings.
+std::pair<std::string, std::string> Parsed(GibbsLayout layout, const std::string& text) {
   test::ScratchDir dir;
-  const std::string name = dir.Write("gibbs.out", text);
   Gibbs gibbs;
-  CaptureStdout();
-  EXPECT_TRUE(gibbs.ParseLayout(name, layout));
-  out = GetCapturedStdout();
+  const test::Outcome printed =
+      test::Capture([&] { return gibbs.ParseLayout(dir.Write("gibbs.out", text), layout); });
+  EXPECT_TRUE(printed.ok) << text;
+  EXPECT_EQ(printed.err, "") << text;
   std::string sites;
   for (std::size_t i = 0; i < gibbs.sites.size(); ++i) {
     sites += gibbs.sites[i] + "@" + std::to_string(gibbs.positions.at(i)) + " ";
   }
-  return sites;
+  return {sites, printed.out};
 }
 
 TEST(GibbsParse, SitesStartsAndWarningsOfBothLayouts) {
@@ -88,19 +79,14 @@ TEST(GibbsParse, SitesStartsAndWarningsOfBothLayouts) {
            badThird + "\n" + markFirst + "\n   *****\n   4,  1     5 ttag AGGAGG tcaa 10 F\n",
        "aGGAGg@5 AGGAGT@1 ", OddToken(badThird) + OddLine(markFirst)},
   };
-  for (const auto& c : cases) {
-    std::string out;
-    EXPECT_EQ(Parsed(c.layout, c.text, out), c.sites) << c.text;
-    EXPECT_EQ(out, c.out) << c.text;
-  }
+  for (const auto& c : cases) EXPECT_EQ(Parsed(c.layout, c.text), std::pair(c.sites, c.out));
   // Each line has an acceptable count but one token that does not check; its region number 1
   // then differs from the sites found (none).
   for (const char* line :
        {"1-1 5 ttag AGGXGG tcaa 10", "1-1 5 tt.g AGGAGG tcaa 10", "1-1 5 ttag AGGAGG tcaa 1O",
         "1-x 5 ttag AGGAGG tcaa 10", "1-1 +5 ttag AGGAGG tcaa 10", "1-1 1 AGGAGG tcaa 6x"}) {
-    std::string out;
-    EXPECT_EQ(Parsed(GibbsLayout::kMotif, std::string(line) + "\n", out), "") << line;
-    EXPECT_EQ(out, OddToken(line));
+    EXPECT_EQ(Parsed(GibbsLayout::kMotif, std::string(line) + "\n"),
+              std::pair(std::string(), OddToken(line)));
   }
 }
 
