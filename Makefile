@@ -8,7 +8,7 @@ SANITIZE_DIR ?= build-sanitize
 JOBS ?= $(shell nproc)
 # The programs' CMake targets: `make demo` and `make install` build these alone, since the unit
 # tests take two thirds of the build and only `make test` and its kin need them.
-PROGRAMS ?= genetrain
+PROGRAMS ?= genetrain genefind
 
 .PHONY: all build configure programs test test-sanitize test-valgrind fuzz bench deps format \
   clean demo test-workflow install uninstall package test-install test-package

@@ -6,6 +6,8 @@ command -v cmake >/dev/null || missing+=(cmake)
 command -v g++ >/dev/null || missing+=(g++)
 [ -e /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
 [ -e /usr/include/zlib.h ] || missing+=(zlib1g-dev)
+# genefind's command line parser (header only).
+[ -e /usr/include/CLI/CLI.hpp ] || missing+=(libcli11-dev)
 # `make package` (CI's make test-package): with dpkg-shlibdeps there, CMakeLists.txt has CPack work
 # out the package's dependencies, and CPack then stops without the file utility. cpack itself comes
 # with cmake, and dpkg-deb with dpkg, which every Debian system has.

@@ -167,4 +167,10 @@ void PrintUsage() {
   std::fwrite(kUsage.data(), 1, kUsage.size(), stdout);
 }
 
+std::string_view Version() {
+  constexpr std::string_view kPrefix = "Version: ";
+  const std::string_view first = kUsage.substr(0, kUsage.find('\n'));
+  return first.substr(kPrefix.size());
+}
+
 }  // namespace genetrain

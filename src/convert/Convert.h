@@ -1,0 +1,27 @@
+#ifndef GENETRAIN_CONVERT_CONVERT_H
+#define GENETRAIN_CONVERT_CONVERT_H
+
+#include <string>
+
+namespace genetrain {
+
+enum class GeneFormat {
+  kGenes,  // the six-column gene-set format of `genetrain --geneset`
+  kGff,    // GFF3
+};
+
+struct ConvertOptions {
+  std::string input;   // "-": standard input
+  std::string output;  // empty or "-": standard output
+  std::string record;  // empty: the annotation's only record
+  GeneFormat format = GeneFormat::kGenes;
+  bool quiet = false;  // no note of what was kept and left out
+};
+
+// The convert command: reads a GFF3, GenBank or gene-set file and writes its CDS as a gene set
+// or as GFF3. False, with the message printed, on any failure; the output is then not written.
+bool RunConvert(const ConvertOptions& options);
+
+}  // namespace genetrain
+
+#endif

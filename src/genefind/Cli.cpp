@@ -1,0 +1,101 @@
+#include "genefind/Cli.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <iostream>
+#include <new>
+#include <string>
+
+#include "convert/Convert.h"
+#include "driver/Usage.h"
+
+namespace genetrain {
+
+namespace {
+
+constexpr int kUsageStatus = 2;
+
+enum class Command { kNone, kConvert };
+
+struct CommandLine {
+  Command command = Command::kNone;
+  ConvertOptions convert;
+  std::string convertFormat = "genes";
+};
+
+void AddConvert(CLI::App& app, CommandLine& line) {
+  CLI::App* convert = app.add_subcommand(
+      "convert",
+      "Turn the CDS of a GFF3 or GenBank annotation (gzip or plain) into the six-column gene set "
+      "that genetrain --geneset reads, or into GFF3; a gene set can be turned into GFF3 too.");
+  convert
+      ->add_option("-r,--record", line.convert.record,
+                   "The record (GFF3 seqid, GenBank LOCUS name or VERSION) to convert; needed "
+                   "for a gene set from an annotation of several records. For a gene-set "
+                   "input, the seqid of the GFF3 written (default: the file name without "
+                   "extensions)")
+      ->type_name("NAME");
+  convert
+      ->add_option("-f,--format", line.convertFormat,
+                   "Output format: genes (six-column gene set) or gff (GFF3)")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"genes", "gff"}))
+      ->capture_default_str();
+  convert
+      ->add_option("-o,--output", line.convert.output,
+                   "Output file, written whole or not at all (default: standard output)")
+      ->type_name("FILE");
+  convert->add_flag("-q,--quiet", line.convert.quiet,
+                    "No note on standard error of the CDS kept and left out");
+  convert
+      ->add_option("ANNOTATION", line.convert.input,
+                   "GFF3, GenBank or gene-set file, gzip or plain; - for standard input")
+      ->type_name("FILE")
+      ->required();
+  convert->callback([&line] { line.command = Command::kConvert; });
+}
+
+// CLI11 reports the faults of a command line by exceptions; they end here, the one place that
+// turns them into a message and status 2.
+int Parse(int argc, const char* const* argv, CommandLine& line) {
+  CLI::App app("genefind: protein-coding genes of prokaryotic genomes, with genetrain's models",
+               "genefind");
+  app.set_version_flag("--version", std::string(Version()), "Print the version and exit");
+  app.require_subcommand(1);
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return "error: " + std::string(error.what()) + "\nRun with --help for more information.\n";
+  });
+  AddConvert(app, line);
+  // Set after the commands, which would otherwise inherit it.
+  app.footer("Run 'genefind COMMAND --help' for the options of a command.");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    std::fflush(stdout);
+    const int status = app.exit(error, std::cout, std::cerr);
+    std::cout.flush();
+    std::cerr.flush();
+    return status == 0 ? 0 : kUsageStatus;
+  }
+  return -1;
+}
+
+}  // namespace
+
+int RunGenefind(int argc, const char* const* argv) {
+  CommandLine line;
+  const int status = Parse(argc, argv, line);
+  if (status >= 0) return status;
+  try {
+    if (line.command == Command::kConvert) {
+      line.convert.format = line.convertFormat == "gff" ? GeneFormat::kGff : GeneFormat::kGenes;
+      return RunConvert(line.convert) ? 0 : 1;
+    }
+  } catch (const std::bad_alloc&) {
+    std::fputs("error: out of memory\n", stderr);
+  }
+  return 1;
+}
+
+}  // namespace genetrain

@@ -1,0 +1,5 @@
+#include "genefind/Cli.h"
+
+int main(int argc, char** argv) {
+  return genetrain::RunGenefind(argc, argv);
+}
