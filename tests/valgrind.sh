@@ -30,14 +30,18 @@ slow_cases="par_file_100mb par_file_many_keys"
 
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/genetrain-valgrind.XXXXXX")
 trap 'rm -rf "$scratch"' EXIT
-wrapper=$scratch/genetrain-under-valgrind
-cat > "$wrapper" << WRAP
+# One wrapper per program, side by side: a case with a `program` file runs the one it names.
+mkdir -p "$scratch/bin"
+for program in genetrain genefind; do
+  cat > "$scratch/bin/$program" << WRAP
 #!/usr/bin/env bash
 exec valgrind --tool=memcheck --error-exitcode=99 --leak-check=full \
   --errors-for-leak-kinds=definite --log-file="$scratch/logs/\$GENETRAIN_CASE.%p.log" \
-  "$bin" "\$@"
+  "$build/$program" "\$@"
 WRAP
-chmod +x "$wrapper"
+  chmod +x "$scratch/bin/$program"
+done
+wrapper=$scratch/bin/genetrain
 mkdir -p "$scratch/logs" "$scratch/results"
 
 cases=()

@@ -37,7 +37,7 @@ int HexValue(char c) {
   return -1;
 }
 
-// Undoes GFF3's %XX escapes; blanks become '_' since the gene set splits its columns at blanks.
+// Undoes GFF3's %XX escapes.
 std::string Unescape(std::string_view text) {
   std::string out;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -47,9 +47,16 @@ std::string Unescape(std::string_view text) {
       c = static_cast<char>(HexValue(text[i + 1]) * 16 + HexValue(text[i + 2]));
       i += 2;
     }
-    out.push_back(c == ' ' || c == '\t' ? '_' : c);
+    out.push_back(c);
   }
   return out;
+}
+
+// A gene id: blanks become '_' since the gene set splits its columns at blanks.
+std::string IdOf(std::string_view text) {
+  std::string id = Unescape(text);
+  for (char& c : id) c = c == ' ' || c == '\t' ? '_' : c;
+  return id;
 }
 
 Attributes ReadAttributes(std::string_view column) {
@@ -63,11 +70,11 @@ Attributes ReadAttributes(std::string_view column) {
     const std::string_view key = pair.substr(0, equals);
     const std::string_view value = pair.substr(equals + 1);
     if (key == "ID") {
-      attributes.id = Unescape(value);
+      attributes.id = IdOf(value);
     } else if (key == "locus_tag") {
-      attributes.locusTag = Unescape(value);
+      attributes.locusTag = IdOf(value);
     } else if (key == "Name") {
-      attributes.name = Unescape(value);
+      attributes.name = IdOf(value);
     } else if (key == "partial") {
       attributes.partial = value;
     } else if (key == "start_range") {

@@ -56,6 +56,11 @@ void AddConvert(CLI::App& app, CommandLine& line) {
   convert->callback([&line] { line.command = Command::kConvert; });
 }
 
+bool IsCommand(CLI::App& app, std::string_view word) {
+  const auto named = [word](CLI::App* command) { return command->get_name() == word; };
+  return !app.get_subcommands(named).empty();
+}
+
 // CLI11 reports the faults of a command line by exceptions; they end here, the one place that
 // turns them into a message and status 2.
 int Parse(int argc, const char* const* argv, CommandLine& line) {
@@ -69,6 +74,12 @@ int Parse(int argc, const char* const* argv, CommandLine& line) {
   AddConvert(app, line);
   // Set after the commands, which would otherwise inherit it.
   app.footer("Run 'genefind COMMAND --help' for the options of a command.");
+  if (argc > 1 && argv[1][0] != '-' && !IsCommand(app, argv[1])) {
+    // CLI11 would only say that a command is required, not which word it took for one.
+    std::fprintf(stderr, "error: unknown command %s\nRun with --help for more information.\n",
+                 argv[1]);
+    return kUsageStatus;
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

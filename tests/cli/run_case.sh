@@ -2,12 +2,14 @@
 # Runs one golden command-line case and compares every byte it produced.
 #   run_case.sh BINARY CASE_DIR SCRATCH_DIR
 # The case layout is described in tests/cli/README.md. Exit 0 on a match, 1 on a mismatch,
-# 77 when the case asks to be skipped in a sanitizer build.
+# 77 when the case asks to be skipped in a sanitizer build. A case with a `program` file runs
+# the program it names, found beside BINARY.
 set -u
 bin=$(realpath "$1")
 case_dir=$(cd "$2" && pwd)
 scratch=$3
 name=$(basename "$case_dir")
+if [ -e "$case_dir/program" ]; then bin=$(dirname "$bin")/$(tr -d ' \n' < "$case_dir/program"); fi
 
 if [ -e "$case_dir/skip-under-sanitizer" ] && [ -n "${GENETRAIN_SANITIZED:-}" ]; then
   echo "$name: skipped in a sanitizer build"
