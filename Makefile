@@ -1,6 +1,6 @@
-# Front door of the build: `make` builds the Release binary build/genetrain and the unit tests,
-# `make test` builds and runs every test, `make test-sanitize` does the same with
-# AddressSanitizer and UndefinedBehaviorSanitizer in build-sanitize/. `make demo` builds the
+# Front door of the build: `make` builds the Release programs build/genetrain and build/genefind
+# and the unit tests, `make test` builds and runs every test, `make test-sanitize` does the same
+# with AddressSanitizer and UndefinedBehaviorSanitizer in build-sanitize/. `make demo` builds the
 # programs alone and trains a model on the bundled genome, `make test-workflow` tests the batch
 # workflow, `make install PREFIX=...` installs and `make package` makes the Debian package.
 BUILD_DIR ?= build
@@ -57,12 +57,12 @@ demo: programs
 test-workflow: build
 	bash tests/workflow/run.sh $(BUILD_DIR)/genetrain
 
-# Installs bin/genetrain, the man page, share/genetrain/{workflow,examples}, the docs and the
-# licence under PREFIX (DESTDIR is honoured). `make uninstall`, with no PREFIX or DESTDIR needed,
-# removes every file the installs from this build folder put there since the last uninstall, then
-# those folders the installs created that are empty by then. CMake's install_manifest.txt lists
-# the files without DESTDIR and says nothing of folders, hence the two lists of our own, which
-# tools/install.sh writes and tools/uninstall.sh reads.
+# Installs bin/genetrain and bin/genefind, their man pages, share/genetrain/{workflow,examples},
+# the docs and the licence under PREFIX (DESTDIR is honoured). `make uninstall`, with no PREFIX or
+# DESTDIR needed, removes every file the installs from this build folder put there since the last
+# uninstall, then those folders the installs created that are empty by then. CMake's
+# install_manifest.txt lists the files without DESTDIR and says nothing of folders, hence the two
+# lists of our own, which tools/install.sh writes and tools/uninstall.sh reads.
 PREFIX ?= /usr/local
 INSTALLED_FILES = $(BUILD_DIR)/installed_files.txt
 INSTALLED_DIRS = $(BUILD_DIR)/installed_dirs.txt

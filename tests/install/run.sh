@@ -48,6 +48,7 @@ test_install() {
   # DESTDIR= as a DESTDIR given to the make that runs this test reaches these makes too.
   run_make install PREFIX="$pre" DESTDIR=
   for file in bin/genetrain share/man/man1/genetrain.1 share/doc/genetrain/LICENSE \
+      bin/genefind share/man/man1/genefind.1 share/doc/genetrain/genefind.md \
       share/doc/genetrain/README.md share/genetrain/examples/demo.sh \
       share/genetrain/workflow/Snakefile; do
     [ -f "$pre/$file" ] || fail "$file not installed"
@@ -91,6 +92,9 @@ test_package() {
   grep -q ' ./usr/share/doc/genetrain/copyright$' <<< "$contents" ||
     fail "$deb has no usr/share/doc/genetrain/copyright"
   ! grep -q '/LICENSE$' <<< "$contents" || fail "LICENSE in $deb"
+  for file in usr/bin/genetrain usr/bin/genefind usr/share/man/man1/genefind.1; do
+    grep -q " ./$file\$" <<< "$contents" || fail "$deb has no $file"
+  done
   copyright=$(dpkg-deb --fsys-tarfile "$deb" | tar -xO ./usr/share/doc/genetrain/copyright)
   for line in 'Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/' \
       'Files: *' 'Copyright: 2026 the genetrain authors' 'License: Expat' ' SOFTWARE.'; do
