@@ -4,7 +4,8 @@
 #   complete, non-pseudo, non-joined CDS, byte for byte;
 # - Prodigal's GFF3 of the chromosome (if prodigal is installed) gives the bundled gene set made
 #   from Prodigal's calls, partial gene included, byte for byte;
-# - genetrain reads what convert writes, and gene set -> GFF3 -> gene set is the identity.
+# - genetrain reads what convert writes, gene set -> GFF3 -> gene set is the identity, and the
+#   GFF3 passes genometools' validator (if installed).
 #   convert_real.sh GENEFIND GENETRAIN EXAMPLES_DIR
 set -euo pipefail
 genefind=$(realpath "$1")
@@ -44,6 +45,11 @@ fi
 
 "$genefind" convert -q -f gff curated.genes -o curated.gff
 "$genefind" convert -q curated.gff | cmp - curated.genes || fail "round trip through GFF3"
+if command -v gt > /dev/null; then
+  gt gff3validator curated.gff > /dev/null 2>&1 || fail "gt gff3validator rejects the GFF3 written"
+else
+  echo "skipped the GFF3 validation: apt-get install genometools"
+fi
 "$genetrain" --GENE_SET_STAT 1 --geneset curated.genes | tail -1 | grep -qx '2307 675 543 83 607 20 ' ||
   fail "--GENE_SET_STAT of the curated set"
 "$genetrain" --parse --par "$examples/ecoli.par" --seq genome.fa --geneset curated.genes \
