@@ -1,0 +1,173 @@
+// The decoding: the set of non-conflicting candidate genes of highest total score.
+//
+// Method. Every candidate gene g (an ORF from a start codon, or an open end, to its stop or the
+// record end) gets a score S(g), the log-odds of "g is a gene with this start" against "these
+// bases are non-coding", in nats:
+//   S = C + T + R + log(1 - exp(-L / CDEC)) - log(NDEC)
+// C, the coding term: the sum over the gene's bases, between the start codon and the stop codon,
+//   of log P_cod(base | the ORDM bases before it, its codon position) - log P_non(base | the same),
+//   with the COD1 and COD2 chains mixed as CD1P e^C1 + CD2P e^C2 (the share of atypical genes).
+// T, the start term: log P(codon | start) from ATG_..CTG_ (renormalised to sum 1) against the
+//   codon's probability in non-coding DNA; 0 for an open start.
+// R, the RBS term (models with RBSM/RBSD): log(1 - h + h * sum over spacers s of P(s) * LR(site
+//   ending s bases before the start)), LR the position matrix against the background letters and
+//   h the share of genes assumed to have a site (0.5).
+// The length term makes genes shorter than about CDEC bases rarer; log(NDEC) is the price of a
+//   gene start, since a gene may begin after any of the NDEC bases of the mean non-coding
+//   stretch. Genes shorter than MINC or longer than MAXC are not candidates.
+// The decoder keeps the candidates with S > 0 of both strands, sorts them by right end and runs
+// weighted interval scheduling: best(g) = S(g) + max(0, best(h) over h ending before
+// left(g) + maxOverlap), so neighbours may share up to maxOverlap bases and two starts of one
+// ORF (which share the stop) never both appear. Backtracking gives the genes. The confidence is
+// the logistic of S against the best alternative start of the same stop that was not taken.
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+#include "predict/Predict.h"
+
+namespace genetrain {
+
+namespace {
+
+// The stretches of the record between runs of at least maxNRun unknown letters.
+std::vector<std::pair<std::int64_t, std::int64_t>> Pieces(std::span<const std::uint8_t> codes,
+                                                          std::int64_t maxNRun) {
+  std::vector<std::pair<std::int64_t, std::int64_t>> pieces;
+  const auto n = static_cast<std::int64_t>(codes.size());
+  std::int64_t begin = 0, i = 0;
+  while (i < n) {
+    if (IsBase(codes[static_cast<std::size_t>(i)])) {
+      ++i;
+      continue;
+    }
+    std::int64_t j = i;
+    while (j < n && !IsBase(codes[static_cast<std::size_t>(j)])) ++j;
+    if (j - i >= std::max<std::int64_t>(1, maxNRun)) {
+      if (i > begin) pieces.emplace_back(begin, i);
+      begin = j;
+    }
+    i = j;
+  }
+  if (n > begin) pieces.emplace_back(begin, n);
+  return pieces;
+}
+
+void AddStrand(const GeneModel& model, std::span<const std::uint8_t> piece, std::int64_t offset,
+               Strand strand, const PredictSettings& settings, std::vector<PredictedGene>& genes) {
+  const auto n = static_cast<std::int64_t>(piece.size());
+  for (const Candidate& c : ScanStrand(model, piece, settings)) {
+    PredictedGene gene;
+    gene.strand = strand;
+    if (strand == Strand::kDirect) {
+      gene.left = offset + c.begin;
+      gene.right = offset + c.end - 1;
+      gene.openLeft = c.openBegin;
+      gene.openRight = c.openEnd;
+    } else {
+      gene.left = offset + n - c.end;
+      gene.right = offset + n - 1 - c.begin;
+      gene.openLeft = c.openEnd;
+      gene.openRight = c.openBegin;
+    }
+    gene.startCodon = c.startCodon;
+    gene.score = c.score;
+    gene.codingScore = c.codingScore;
+    gene.startScore = c.startScore;
+    gene.rbsScore = c.rbsScore;
+    gene.rbsSpacer = c.rbsSpacer;
+    genes.push_back(gene);
+  }
+}
+
+// The stop end and strand of a gene, which identify its ORF.
+std::int64_t Key(const PredictedGene& gene) {
+  return gene.strand == Strand::kDirect ? 2 * gene.right : 2 * gene.left + 1;
+}
+
+std::string SiteBases(std::span<const std::uint8_t> codes, const PredictedGene& gene,
+                      std::size_t width) {
+  static constexpr char kLetters[] = "ACGTNN";
+  std::string site;
+  const auto spacer = static_cast<std::int64_t>(gene.rbsSpacer);
+  const auto w = static_cast<std::int64_t>(width);
+  for (std::int64_t k = w - 1; k >= 0; --k) {
+    // k bases before the site's last one, read on the gene's strand.
+    const std::int64_t pos =
+        gene.strand == Strand::kDirect ? gene.left - 1 - spacer - k : gene.right + 1 + spacer + k;
+    if (pos < 0 || pos >= static_cast<std::int64_t>(codes.size())) return {};
+    const std::uint8_t code = codes[static_cast<std::size_t>(pos)];
+    site += gene.strand == Strand::kDirect ? kLetters[std::min<int>(code, 4)]
+                                           : kLetters[std::min<int>(Complement(code), 4)];
+  }
+  return site;
+}
+
+}  // namespace
+
+std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const std::uint8_t> codes,
+                                        const PredictSettings& settings) {
+  std::vector<PredictedGene> candidates;
+  std::vector<std::uint8_t> reverse;
+  for (const auto& [begin, end] : Pieces(codes, settings.maxNRun)) {
+    const auto piece =
+        codes.subspan(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+    AddStrand(model, piece, begin, Strand::kDirect, settings, candidates);
+    reverse.assign(piece.rbegin(), piece.rend());
+    for (std::uint8_t& code : reverse) code = IsBase(code) ? Complement(code) : code;
+    AddStrand(model, reverse, begin, Strand::kReverse, settings, candidates);
+  }
+  std::sort(candidates.begin(), candidates.end(),
+            [](const PredictedGene& a, const PredictedGene& b) {
+              return a.right != b.right ? a.right < b.right : a.left < b.left;
+            });
+  const std::size_t count = candidates.size();
+  std::vector<double> best(count), prefixBest(count);
+  std::vector<std::int64_t> from(count, -1), prefixArg(count, -1);
+  for (std::size_t i = 0; i < count; ++i) {
+    const PredictedGene& gene = candidates[i];
+    // The genes that end before this one's left end plus the overlap, and before its right end.
+    const std::int64_t limit = std::min(gene.left + settings.maxOverlap, gene.right);
+    const auto it = std::lower_bound(
+        candidates.begin(), candidates.begin() + static_cast<std::ptrdiff_t>(i), limit,
+        [](const PredictedGene& g, std::int64_t value) { return g.right < value; });
+    const auto k = it - candidates.begin();
+    best[i] = gene.score;
+    if (k > 0 && prefixBest[static_cast<std::size_t>(k - 1)] > 0) {
+      best[i] += prefixBest[static_cast<std::size_t>(k - 1)];
+      from[i] = prefixArg[static_cast<std::size_t>(k - 1)];
+    }
+    const bool improves = i == 0 || best[i] > prefixBest[i - 1];
+    prefixBest[i] = improves ? best[i] : prefixBest[i - 1];
+    prefixArg[i] = improves ? static_cast<std::int64_t>(i) : prefixArg[i - 1];
+  }
+  std::vector<PredictedGene> genes;
+  for (std::int64_t i = count > 0 ? prefixArg[count - 1] : -1; i >= 0;
+       i = from[static_cast<std::size_t>(i)]) {
+    genes.push_back(candidates[static_cast<std::size_t>(i)]);
+  }
+  std::reverse(genes.begin(), genes.end());
+  // The confidence: the gene against the best other start of its ORF (or, alone, against
+  // non-coding), as a probability.
+  std::unordered_map<std::int64_t, std::size_t> byStop;
+  for (std::size_t g = 0; g < genes.size(); ++g) byStop[Key(genes[g])] = g;
+  std::vector<double> rivals(genes.size(), 0.0);
+  for (const PredictedGene& c : candidates) {
+    const auto found = byStop.find(Key(c));
+    if (found == byStop.end()) continue;
+    const PredictedGene& chosen = genes[found->second];
+    if (c.left != chosen.left || c.right != chosen.right) {
+      rivals[found->second] = std::max(rivals[found->second], c.score);
+    }
+  }
+  for (std::size_t g = 0; g < genes.size(); ++g) {
+    genes[g].confidence = 100.0 / (1.0 + std::exp(rivals[g] - genes[g].score));
+    if (genes[g].rbsSpacer >= 0) {
+      genes[g].rbsMotif = SiteBases(codes, genes[g], model.rbsMatrix.size());
+    }
+  }
+  return genes;
+}
+
+}  // namespace genetrain
