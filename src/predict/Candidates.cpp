@@ -159,6 +159,17 @@ void StrandScorer::ScanFrame(int frame, std::vector<Candidate>& out) {
 
 }  // namespace
 
+double CodingLogOdds(const GeneModel& model, std::span<const std::uint8_t> seq,
+                     int firstCodonPosition) {
+  const std::vector<std::uint32_t> words = EndingWords(seq, model.order);
+  double sum = 0;
+  for (std::size_t i = 0; i < seq.size(); ++i) {
+    if (words[i] == kNoWord) continue;
+    sum += model.cod1[(i + static_cast<std::size_t>(firstCodonPosition)) % 3][words[i]];
+  }
+  return sum;
+}
+
 std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
                                   const PredictSettings& settings) {
   std::vector<Candidate> out;

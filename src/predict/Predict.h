@@ -52,6 +52,11 @@ struct Candidate {
 std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
                                   const PredictSettings& settings);
 
+// The COD1 coding log-odds summed over the bases of `seq` that end a whole word, read with the
+// base at index 0 at codon position `firstCodonPosition` (0: a codon's first base).
+double CodingLogOdds(const GeneModel& model, std::span<const std::uint8_t> seq,
+                     int firstCodonPosition);
+
 // The genes of one record, sorted by left end.
 std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const std::uint8_t> codes,
                                         const PredictSettings& settings);
