@@ -7,6 +7,7 @@
 #include <sys/resource.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "common/Output.h"
@@ -25,11 +26,14 @@ int main(int argc, char** argv) {
   if (!LoadGeneModel(argv[1], model)) return 1;
   VSeq seq;
   if (!seq.ReadRecords(argv[2])) return 1;
+  PredictSettings settings;
+  if (const char* overlap = std::getenv("PREDICT_MAX_OVERLAP"))
+    settings.maxOverlap = std::atoi(overlap);
   std::string genes, gff;
   AppendGff3Header(gff);
   for (std::size_t r = 0; r < seq.records.size(); ++r) {
     const std::string id = "seq" + std::to_string(r + 1);
-    const std::vector<PredictedGene> found = PredictGenes(model, seq.records[r], PredictSettings{});
+    const std::vector<PredictedGene> found = PredictGenes(model, seq.records[r], settings);
     AppendGeneSet(genes, id, found);
     AppendGff3Record(gff, id, static_cast<std::int64_t>(seq.records[r].size()), found);
   }
