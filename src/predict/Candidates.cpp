@@ -170,6 +170,32 @@ double CodingLogOdds(const GeneModel& model, std::span<const std::uint8_t> seq,
   return sum;
 }
 
+FrameSums::FrameSums(const GeneModel& model, std::span<const std::uint8_t> strandSeq) {
+  const std::vector<std::uint32_t> words = EndingWords(strandSeq, model.order);
+  const auto odds = [&](std::size_t i, std::size_t codonPosition) -> double {
+    return words[i] == kNoWord ? 0.0 : model.cod1[codonPosition][words[i]];
+  };
+  for (std::size_t frame = 0; frame < 3; ++frame) {
+    std::vector<float>& prefix = prefix_[frame];
+    prefix.assign(1, 0.0f);
+    double sum = 0;
+    for (std::size_t c = frame; c + 3 <= strandSeq.size(); c += 3) {
+      sum += odds(c, 0) + odds(c + 1, 1) + odds(c + 2, 2);
+      prefix.push_back(static_cast<float>(sum));
+    }
+  }
+}
+
+double FrameSums::Sum(int frame, std::int64_t begin, std::int64_t end) const {
+  const std::vector<float>& prefix = prefix_[static_cast<std::size_t>(frame)];
+  const std::int64_t first = std::max<std::int64_t>(0, (begin - frame + 2) / 3);
+  const std::int64_t last =
+      std::min<std::int64_t>(static_cast<std::int64_t>(prefix.size()) - 1, (end - frame) / 3);
+  if (last <= first) return 0;
+  return static_cast<double>(prefix[static_cast<std::size_t>(last)]) -
+         static_cast<double>(prefix[static_cast<std::size_t>(first)]);
+}
+
 std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
                                   const PredictSettings& settings) {
   std::vector<Candidate> out;

@@ -15,6 +15,11 @@
 // The length term makes genes shorter than about CDEC bases rarer; log(NDEC) is the price of a
 //   gene start, since a gene may begin after any of the NDEC bases of the mean non-coding
 //   stretch. Genes shorter than MINC or longer than MAXC are not candidates.
+// The rival frames: the same bases read in the other two frames of the strand and the three of
+//   the other strand give coding sums C_r; the gene's score is S - log(1 + sum_r e^C_r), the odds
+//   against "non-coding or a gene in another frame". A shadow (an ORF inside a gene on the other
+//   strand, which often reads as coding against non-coding) loses about the gene's own sum; a
+//   gene whose rival frames read as non-coding loses almost nothing.
 // The decoder keeps the candidates with S > 0 of both strands, sorts them by right end and runs
 // weighted interval scheduling: best(g) = S(g) + max(0, best(h) over h ending before
 // left(g) + maxOverlap), so neighbours may share up to maxOverlap bases and two starts of one
@@ -54,11 +59,41 @@ std::vector<std::pair<std::int64_t, std::int64_t>> Pieces(std::span<const std::u
   return pieces;
 }
 
+// log(1 + sum of e^x over the rivals) without overflow.
+double LogOnePlusSumExp(std::span<const double> rivals) {
+  double top = 0;
+  for (const double x : rivals) top = std::max(top, x);
+  double sum = std::exp(-top);
+  for (const double x : rivals) sum += std::exp(x - top);
+  return top + std::log(sum);
+}
+
+// The gene's own frame against the five others over its bases: a stretch that reads better in
+// another frame, or on the other strand (the shadow of a gene there), is explained by that frame
+// at least as well. The rivals enter as alternatives beside non-coding, so a gene whose other
+// frames all score below non-coding loses almost nothing.
+double FramePenalty(const Candidate& c, const FrameSums& own, const FrameSums& other,
+                    std::int64_t n) {
+  const std::int64_t lo = c.begin + (c.openBegin ? 0 : 3);
+  const std::int64_t hi = c.end - (c.openEnd ? 0 : 3);
+  const auto frame = static_cast<int>(c.begin % 3);
+  std::array<double, 5> rivals{};
+  std::size_t k = 0;
+  for (int f = 0; f < 3; ++f) {
+    if (f != frame) rivals[k++] = own.Sum(f, lo, hi);
+    rivals[k++] = other.Sum(f, n - hi, n - lo);
+  }
+  return LogOnePlusSumExp(rivals);
+}
+
 void AddStrand(const GeneModel& model, std::span<const std::uint8_t> piece, std::int64_t offset,
-               Strand strand, const PredictSettings& settings, std::vector<PredictedGene>& genes) {
+               Strand strand, const FrameSums& own, const FrameSums& other,
+               const PredictSettings& settings, std::vector<PredictedGene>& genes) {
   const auto n = static_cast<std::int64_t>(piece.size());
   for (const Candidate& c : ScanStrand(model, piece, settings)) {
     PredictedGene gene;
+    gene.score = c.score - FramePenalty(c, own, other, n);
+    if (gene.score <= 0) continue;
     gene.strand = strand;
     if (strand == Strand::kDirect) {
       gene.left = offset + c.begin;
@@ -72,7 +107,6 @@ void AddStrand(const GeneModel& model, std::span<const std::uint8_t> piece, std:
       gene.openRight = c.openBegin;
     }
     gene.startCodon = c.startCodon;
-    gene.score = c.score;
     gene.codingScore = c.codingScore;
     gene.startScore = c.startScore;
     gene.rbsScore = c.rbsScore;
@@ -113,10 +147,11 @@ std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const 
   for (const auto& [begin, end] : Pieces(codes, settings.maxNRun)) {
     const auto piece =
         codes.subspan(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
-    AddStrand(model, piece, begin, Strand::kDirect, settings, candidates);
     reverse.assign(piece.rbegin(), piece.rend());
     for (std::uint8_t& code : reverse) code = IsBase(code) ? Complement(code) : code;
-    AddStrand(model, reverse, begin, Strand::kReverse, settings, candidates);
+    const FrameSums direct(model, piece), opposite(model, reverse);
+    AddStrand(model, piece, begin, Strand::kDirect, direct, opposite, settings, candidates);
+    AddStrand(model, reverse, begin, Strand::kReverse, opposite, direct, settings, candidates);
   }
   std::sort(candidates.begin(), candidates.end(),
             [](const PredictedGene& a, const PredictedGene& b) {

@@ -1,6 +1,7 @@
 #ifndef GENETRAIN_PREDICT_PREDICT_H
 #define GENETRAIN_PREDICT_PREDICT_H
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -56,6 +57,19 @@ std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::u
 // base at index 0 at codon position `firstCodonPosition` (0: a codon's first base).
 double CodingLogOdds(const GeneModel& model, std::span<const std::uint8_t> seq,
                      int firstCodonPosition);
+
+// The COD1 coding log-odds of the three frames of one strand's sequence, summed codon by codon,
+// so that the sum of any frame over any stretch is one difference. Frame f holds the codons that
+// begin at the positions f, f + 3, ... Floats, to keep two copies of a genome in 8 bytes a base.
+class FrameSums {
+ public:
+  FrameSums(const GeneModel& model, std::span<const std::uint8_t> strandSeq);
+  // The sum over the whole codons of `frame` that lie in [begin, end).
+  double Sum(int frame, std::int64_t begin, std::int64_t end) const;
+
+ private:
+  std::array<std::vector<float>, 3> prefix_;
+};
 
 // The genes of one record, sorted by left end.
 std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const std::uint8_t> codes,

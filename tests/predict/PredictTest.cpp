@@ -29,8 +29,16 @@ class Synthetic : public ::testing::Test {
       const bool stop = codon == kCodonTAA || codon == kCodonTAG || codon == kCodonTGA;
       codonWeights_.push_back(stop ? 0.0 : weight(rng_));
     }
+    static ScratchDir dir;
+    BuildModel(codonWeights_, dir, "synthetic.mod", model_, &nonJoint_);
+  }
+
+  // A model estimated from 400 genes of the codon usage `weights` and from non-coding letters.
+  static void BuildModel(const std::vector<double>& weights, ScratchDir& dir,
+                         const std::string& name, GeneModel& model,
+                         std::vector<double>* nonJoint = nullptr) {
     std::vector<CodeSeq> genes, non;
-    for (int g = 0; g < 400; ++g) genes.push_back(Gene(300));
+    for (int g = 0; g < 400; ++g) genes.push_back(Gene(300, weights));
     std::discrete_distribution<int> letter({0.3, 0.2, 0.2, 0.3});
     for (int n = 0; n < 100; ++n) {
       CodeSeq stretch(1000);
@@ -44,7 +52,7 @@ class Synthetic : public ::testing::Test {
     MkChain nonChain(kOrder, 1, nonCoding);
     ASSERT_TRUE(cod.Estimate(genes));
     ASSERT_TRUE(nonChain.Estimate(non));
-    nonJoint_ = nonChain.tables[0];
+    if (nonJoint != nullptr) *nonJoint = nonChain.tables[0];
     const std::string codText = *cod.ToText(), nonText = *nonChain.ToText();
     std::string text =
         "PHMM test\nNAME synthetic\nORDM 2\nATG_ 0.8\nGTG_ 0.15\nTTG_ 0.05\nCTG_ 0\n"
@@ -58,13 +66,14 @@ class Synthetic : public ::testing::Test {
     text += "NONC ";
     text += nonText;
     text += '\n';
-    static ScratchDir dir;
-    ASSERT_TRUE(LoadGeneModel(dir.Write("synthetic.mod", text), model_));
+    ASSERT_TRUE(LoadGeneModel(dir.Write(name, text), model));
   }
 
+  static CodeSeq Gene(int codons) { return Gene(codons, codonWeights_); }
+
   // ATG, `codons` codons of the codon usage, TAA.
-  static CodeSeq Gene(int codons) {
-    std::discrete_distribution<unsigned> pick(codonWeights_.begin(), codonWeights_.end());
+  static CodeSeq Gene(int codons, const std::vector<double>& weights) {
+    std::discrete_distribution<unsigned> pick(weights.begin(), weights.end());
     CodeSeq gene = {kA, kT, kG};
     for (int c = 0; c < codons; ++c) {
       const unsigned codon = pick(rng_);
@@ -224,6 +233,52 @@ TEST_F(Synthetic, NoGeneCrossesAnNRun) {
       }));
     }
   }
+}
+
+// The shadow of a gene, the ORF on the other strand inside it, reads as coding against non-coding
+// when the codon usage resembles its own reverse complement (as in genomes of strong GC skew at
+// the third position). Scored against the gene's own frame it is dropped, even with overlaps of
+// any length allowed, while the gene stays.
+TEST_F(Synthetic, ShadowsOfAGeneAreDropped) {
+  const auto reverseCodon = [](unsigned c) {
+    return (3 - (c & 3)) << 4 | (3 - (c >> 2 & 3)) << 2 | (3 - (c >> 4));
+  };
+  std::vector<double> weights(64);
+  for (unsigned c = 0; c < 64; ++c) {
+    const bool stop = codonWeights_[c] == 0 || codonWeights_[reverseCodon(c)] == 0;
+    weights[c] = stop ? 0.0 : codonWeights_[c] + 0.5 * codonWeights_[reverseCodon(c)];
+  }
+  ScratchDir dir;
+  GeneModel model;
+  BuildModel(weights, dir, "shadowy.mod", model);
+  PredictSettings anyOverlap;
+  anyOverlap.maxOverlap = 100000;
+  int shadows = 0;
+  for (int g = 0; g < 4; ++g) {
+    const CodeSeq gene = Gene(600, weights);
+    CodeSeq record;
+    const std::int64_t left = Plant(record, gene, 2000);
+    const std::int64_t right = left + static_cast<std::int64_t>(gene.size()) - 1;
+    const std::vector<PredictedGene> found = PredictGenes(model, record, anyOverlap);
+    EXPECT_TRUE(std::any_of(found.begin(), found.end(), [&](const PredictedGene& p) {
+      return p.left == left && p.right == right && p.strand == Strand::kDirect;
+    }));
+    const auto isShadow = [&](std::int64_t l, std::int64_t r) {
+      return 2 * (std::min(r, right) - std::max(l, left) + 1) > r - l + 1;
+    };
+    for (const PredictedGene& p : found) {
+      shadows += p.strand == Strand::kReverse && isShadow(p.left, p.right);
+    }
+    // Without the rival frames a shadow would stand: the reverse strand holds a candidate that
+    // lies mostly inside the gene and scores above non-coding.
+    const CodeSeq reverse = ReverseComplement(record);
+    const auto n = static_cast<std::int64_t>(reverse.size());
+    const std::vector<Candidate> candidates = ScanStrand(model, reverse, anyOverlap);
+    EXPECT_TRUE(std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& c) {
+      return isShadow(n - c.end, n - 1 - c.begin);
+    }));
+  }
+  EXPECT_EQ(shadows, 0);
 }
 
 // The GFF3 passes genometools' validator, where it is installed.
