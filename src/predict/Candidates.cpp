@@ -55,6 +55,11 @@ class StrandScorer {
       startOdds_[codon] = model.starts[codon] ? model.startLogProb[codon] - std::log(q) : 0;
     }
     geneCost_ = std::log(model.nonCodingDecay);
+    // The first codons of a gene read only weakly as coding (their log-odds per base lies near 0),
+    // while non-coding sequence reads at nonCodingDensity; halfway between the two, a stretch
+    // between two starts is more likely the head of the gene than non-coding. The threshold
+    // follows the model's own separation of coding and non-coding, whatever the GC content.
+    startPrior_ = -0.5 * model.nonCodingDensity;
   }
 
   void ScanFrame(int frame, std::vector<Candidate>& out);
@@ -73,6 +78,7 @@ class StrandScorer {
   }
   void Emit(const OpenStart& start, std::int64_t end, double cum1, double cum2, bool openEnd,
             std::vector<Candidate>& out) const;
+  void AddOrf(std::vector<Candidate>& orf, std::vector<Candidate>& out) const;
   double RbsScore(std::int64_t begin, std::int32_t& spacer) const;
 
   const GeneModel& model_;
@@ -81,6 +87,7 @@ class StrandScorer {
   std::vector<std::uint32_t> words_;
   std::array<double, 64> startOdds_{};
   double geneCost_ = 0;
+  double startPrior_ = 0;
 };
 
 // The RBS term: the likelihood ratio of the upstream window, a site at each spacer weighted by the
@@ -127,7 +134,27 @@ void StrandScorer::Emit(const OpenStart& start, std::int64_t end, double cum1, d
   const double lengthTerm =
       std::log1p(-std::exp(-static_cast<double>(length) / model_.codingDecay));
   gene.score = gene.codingScore + gene.startScore + gene.rbsScore + lengthTerm - geneCost_;
-  if (gene.score > 0) out.push_back(gene);
+  out.push_back(gene);
+}
+
+// The start prior over one ORF's candidates, the most upstream first: each base a start lies
+// downstream of the first costs startPrior_ nats, so the gene is extended over a stretch unless it
+// reads more non-coding than the threshold. The prior only ranks the starts: the ORF's best
+// candidate keeps the best score of the ORF without it, so whether the ORF is a gene at all is
+// decided as before.
+void StrandScorer::AddOrf(std::vector<Candidate>& orf, std::vector<Candidate>& out) const {
+  if (orf.empty()) return;
+  double bestWithout = orf.front().score, bestWith = orf.front().score;
+  for (Candidate& c : orf) {
+    bestWithout = std::max(bestWithout, c.score);
+    c.score -= startPrior_ * static_cast<double>(c.begin - orf.front().begin);
+    bestWith = std::max(bestWith, c.score);
+  }
+  for (Candidate& c : orf) {
+    c.score += bestWithout - bestWith;
+    if (c.score > 0) out.push_back(c);
+  }
+  orf.clear();
 }
 
 // Walks the codons of one frame, keeping the coding sums from the frame's first base; each start
@@ -137,13 +164,15 @@ void StrandScorer::ScanFrame(int frame, std::vector<Candidate>& out) {
   const auto n = static_cast<std::int64_t>(seq_.size());
   const std::vector<float>* cod2 = model_.separateCod2 ? model_.cod2.data() : model_.cod1.data();
   std::vector<OpenStart> starts;
+  std::vector<Candidate> orf;
   starts.push_back({frame, 0, 0, kNoCodon});  // the gene that runs in from the sequence start
   double cum1 = 0, cum2 = 0;
   std::int64_t c = frame;
   for (; c + 3 <= n; c += 3) {
     const unsigned codon = CodonAt(seq_, static_cast<std::size_t>(c));
     if (codon != kNoCodon && model_.stops[codon]) {
-      for (const OpenStart& start : starts) Emit(start, c + 3, cum1, cum2, false, out);
+      for (const OpenStart& start : starts) Emit(start, c + 3, cum1, cum2, false, orf);
+      AddOrf(orf, out);
       starts.clear();
     }
     for (std::int64_t i = c; i < c + 3; ++i) {
@@ -154,7 +183,8 @@ void StrandScorer::ScanFrame(int frame, std::vector<Candidate>& out) {
     // The start codon itself is left out of the coding sum, as the estimator left it out.
     if (codon != kNoCodon && model_.starts[codon]) starts.push_back({c, cum1, cum2, codon});
   }
-  for (const OpenStart& start : starts) Emit(start, c, cum1, cum2, true, out);
+  for (const OpenStart& start : starts) Emit(start, c, cum1, cum2, true, orf);
+  AddOrf(orf, out);
 }
 
 }  // namespace

@@ -88,6 +88,20 @@ bool LoadChains(const Param& file, GeneModel& model, int leftMargin) {
   model.separateCod2 = cod1 != cod2;
   model.cod2 =
       model.separateCod2 ? CodingLogOdds(cod2, nonLog, model.order, leftMargin) : model.cod1;
+  // The mean log-odds per base of sequence drawn from each chain's word frequencies.
+  for (int frame = 0; frame < 3; ++frame) {
+    double sumCod = 0, sumNon = 0, totalCod = 0, totalNon = 0;
+    const std::vector<float>& table =
+        model.cod1[TableCodonPosition(frame, model.order, leftMargin)];
+    for (std::size_t w = 0; w < words; ++w) {
+      sumCod += cod1[w * 3 + static_cast<std::size_t>(frame)] * table[w];
+      totalCod += cod1[w * 3 + static_cast<std::size_t>(frame)];
+      sumNon += non[w] * table[w];
+      totalNon += non[w];
+    }
+    model.codingDensity += sumCod / totalCod / 3;
+    model.nonCodingDensity += sumNon / totalNon / 3;
+  }
   // The letter frequencies: the joint frequencies summed over everything but the last letter.
   std::array<double, 4> letters{};
   for (std::size_t w = 0; w < words; ++w) letters[w & 3] += non[w];

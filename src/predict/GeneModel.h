@@ -32,6 +32,9 @@ struct GeneModel {
   std::array<std::vector<float>, 3> cod1;
   std::array<std::vector<float>, 3> cod2;
   bool separateCod2 = false;
+  // The mean COD1 log-odds per base of coding sequence (above 0) and of non-coding sequence
+  // (below 0), over the chains' own word frequencies.
+  double codingDensity = 0, nonCodingDensity = 0;
   double cod1Share = 1.0;  // CD1P and CD2P, made to sum to 1
   double cod2Share = 0.0;
   // log P(codon | start) for the start codons, by codon index; kNoStart for the others.
