@@ -152,7 +152,7 @@ void StrandScorer::AddOrf(std::vector<Candidate>& orf, std::vector<Candidate>& o
   }
   for (Candidate& c : orf) {
     c.score += bestWithout - bestWith;
-    if (c.score > 0) out.push_back(c);
+    out.push_back(c);
   }
   orf.clear();
 }

@@ -20,6 +20,11 @@
 //   against "non-coding or a gene in another frame". A shadow (an ORF inside a gene on the other
 //   strand, which often reads as coding against non-coding) loses about the gene's own sum; a
 //   gene whose rival frames read as non-coding loses almost nothing.
+// The atypical class: when the file repeats COD1 as COD2, the CD2P share of genes that the
+//   typical chain does not describe gets its own score, log CD2P + T + R - log(NDEC) +
+//   (C_own - max_r C_r) / 4, and a candidate keeps the better of the two.
+// The start prior ranks the starts of one ORF (Candidates.cpp): each base downstream of the
+//   ORF's first start costs half the model's mean non-coding log-odds per base.
 // The decoder keeps the candidates with S > 0 of both strands, sorts them by right end and runs
 // weighted interval scheduling: best(g) = S(g) + max(0, best(h) over h ending before
 // left(g) + maxOverlap), so neighbours may share up to maxOverlap bases and two starts of one
@@ -68,22 +73,51 @@ double LogOnePlusSumExp(std::span<const double> rivals) {
   return top + std::log(sum);
 }
 
-// The gene's own frame against the five others over its bases: a stretch that reads better in
-// another frame, or on the other strand (the shadow of a gene there), is explained by that frame
-// at least as well. The rivals enter as alternatives beside non-coding, so a gene whose other
-// frames all score below non-coding loses almost nothing.
-double FramePenalty(const Candidate& c, const FrameSums& own, const FrameSums& other,
-                    std::int64_t n) {
+// The coding sums of a candidate's bases in its own frame and in the five rival frames: the
+// other two of its strand and the three of the other strand.
+struct FrameContest {
+  double own = 0;
+  std::array<double, 5> rivals{};
+};
+
+FrameContest Contest(const Candidate& c, const FrameSums& own, const FrameSums& other,
+                     std::int64_t n) {
   const std::int64_t lo = c.begin + (c.openBegin ? 0 : 3);
   const std::int64_t hi = c.end - (c.openEnd ? 0 : 3);
   const auto frame = static_cast<int>(c.begin % 3);
-  std::array<double, 5> rivals{};
+  FrameContest contest;
   std::size_t k = 0;
   for (int f = 0; f < 3; ++f) {
-    if (f != frame) rivals[k++] = own.Sum(f, lo, hi);
-    rivals[k++] = other.Sum(f, n - hi, n - lo);
+    if (f == frame) {
+      contest.own = own.Sum(f, lo, hi);
+    } else {
+      contest.rivals[k++] = own.Sum(f, lo, hi);
+    }
+    contest.rivals[k++] = other.Sum(f, n - hi, n - lo);
   }
-  return LogOnePlusSumExp(rivals);
+  return contest;
+}
+
+// Read against the typical chain, an atypical gene (of other codon usage, often of other GC, as
+// in islands of transferred genes) scores below non-coding in every frame, but its own frame
+// still beats the others: codon periodicity survives a change of composition. With no separate
+// COD2 chain, the atypical class (share CD2P) is scored by that contrast, tempered to a quarter:
+// the best of five rival frames is an order statistic, and full weight would let non-coding
+// stretches through whenever one frame leads by chance. The contrast compares frames of the same
+// bases, so it does not depend on the GC content.
+constexpr double kAtypicalContrastWeight = 0.25;
+
+double GeneScore(const GeneModel& model, const Candidate& c, const FrameContest& contest) {
+  // The odds against "non-coding or a gene in another frame".
+  double score = c.score - LogOnePlusSumExp(contest.rivals);
+  if (!model.separateCod2 && model.cod2Share > 0) {
+    const double bestRival = *std::max_element(contest.rivals.begin(), contest.rivals.end());
+    const double atypical = std::log(model.cod2Share) + c.startScore + c.rbsScore -
+                            std::log(model.nonCodingDecay) +
+                            kAtypicalContrastWeight * (contest.own - bestRival);
+    score = std::max(score, atypical);
+  }
+  return score;
 }
 
 void AddStrand(const GeneModel& model, std::span<const std::uint8_t> piece, std::int64_t offset,
@@ -92,7 +126,7 @@ void AddStrand(const GeneModel& model, std::span<const std::uint8_t> piece, std:
   const auto n = static_cast<std::int64_t>(piece.size());
   for (const Candidate& c : ScanStrand(model, piece, settings)) {
     PredictedGene gene;
-    gene.score = c.score - FramePenalty(c, own, other, n);
+    gene.score = GeneScore(model, c, Contest(c, own, other, n));
     if (gene.score <= 0) continue;
     gene.strand = strand;
     if (strand == Strand::kDirect) {

@@ -47,9 +47,10 @@ struct Candidate {
   std::int32_t rbsSpacer = -1;
 };
 
-// Every candidate gene of one strand's sequence (base codes, read 5' to 3'), scored, with a
-// score above zero: ORFs from each allowed start to their stop, plus the genes that run off
-// either end. The ends of `strandSeq` are open ends.
+// Every candidate gene of one strand's sequence (base codes, read 5' to 3'), scored against
+// non-coding (the decoder adds the rival frames and the atypical class, so none is dropped): ORFs
+// from each allowed start to their stop, plus the genes that run off either end. The ends of
+// `strandSeq` are open ends.
 std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
                                   const PredictSettings& settings);
 
