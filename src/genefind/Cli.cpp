@@ -9,6 +9,7 @@
 
 #include "convert/Convert.h"
 #include "driver/Usage.h"
+#include "genefind/PredictCommand.h"
 
 namespace genetrain {
 
@@ -16,12 +17,14 @@ namespace {
 
 constexpr int kUsageStatus = 2;
 
-enum class Command { kNone, kConvert };
+enum class Command { kNone, kConvert, kPredict };
 
 struct CommandLine {
   Command command = Command::kNone;
   ConvertOptions convert;
   std::string convertFormat = "genes";
+  PredictOptions predict;
+  std::string predictFormat = "gff";
 };
 
 void AddConvert(CLI::App& app, CommandLine& line) {
@@ -56,6 +59,60 @@ void AddConvert(CLI::App& app, CommandLine& line) {
   convert->callback([&line] { line.command = Command::kConvert; });
 }
 
+void AddPredict(CLI::App& app, CommandLine& line) {
+  CLI::App* predict = app.add_subcommand(
+      "predict",
+      "Predict the protein-coding genes of every record of a FASTA file (gzip or plain) with a "
+      "model file as genetrain --mkmod writes it.");
+  PredictOptions& options = line.predict;
+  predict
+      ->add_option("-m,--model", options.model,
+                   "Model file written by genetrain --mkmod, with or without the RBS sections")
+      ->type_name("FILE")
+      ->required();
+  predict
+      ->add_option("-o,--output", options.output,
+                   "Output file, written whole or not at all (default: standard output)")
+      ->type_name("FILE");
+  predict
+      ->add_option("-f,--format", line.predictFormat,
+                   "Output format: gff (GFF3) or genes (the six-column gene set of genetrain "
+                   "--geneset; for a FASTA file of one record only)")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"gff", "genes"}))
+      ->capture_default_str();
+  predict
+      ->add_option("--proteins", options.proteins,
+                   "Also write the genes' translations as FASTA to this file (default: none)")
+      ->type_name("FILE");
+  predict
+      ->add_option("--nucleotides", options.nucleotides,
+                   "Also write the genes' bases as FASTA to this file (default: none)")
+      ->type_name("FILE");
+  predict
+      ->add_option("-t,--threads", options.threads,
+                   "Threads that predict records side by side; the output is the same for any "
+                   "number")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
+  predict
+      ->add_option("--max-n-run", options.maxNRun,
+                   "No gene crosses a run of this many unknown letters (N) or more")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1 << 30))
+      ->capture_default_str();
+  predict->add_flag("-q,--quiet", options.quiet,
+                    "No progress on standard error (shown only when it is a terminal)");
+  predict
+      ->add_option("GENOME", options.input,
+                   "FASTA file of the genome, contigs or metagenome, gzip or plain; - for "
+                   "standard input")
+      ->type_name("FILE")
+      ->required();
+  predict->callback([&line] { line.command = Command::kPredict; });
+}
+
 bool IsCommand(CLI::App& app, std::string_view word) {
   const auto named = [word](CLI::App* command) { return command->get_name() == word; };
   return !app.get_subcommands(named).empty();
@@ -72,6 +129,7 @@ int Parse(int argc, const char* const* argv, CommandLine& line) {
     return "error: " + std::string(error.what()) + "\nRun with --help for more information.\n";
   });
   AddConvert(app, line);
+  AddPredict(app, line);
   // Set after the commands, which would otherwise inherit it.
   app.footer("Run 'genefind COMMAND --help' for the options of a command.");
   if (argc > 1 && argv[1][0] != '-' && !IsCommand(app, argv[1])) {
@@ -102,6 +160,10 @@ int RunGenefind(int argc, const char* const* argv) {
     if (line.command == Command::kConvert) {
       line.convert.format = line.convertFormat == "gff" ? GeneFormat::kGff : GeneFormat::kGenes;
       return RunConvert(line.convert) ? 0 : 1;
+    }
+    if (line.command == Command::kPredict) {
+      line.predict.format = line.predictFormat == "genes" ? GeneFormat::kGenes : GeneFormat::kGff;
+      return RunPredict(line.predict) ? 0 : 1;
     }
   } catch (const std::bad_alloc&) {
     std::fputs("error: out of memory\n", stderr);

@@ -1,0 +1,325 @@
+#include "genefind/PredictCommand.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/InputStream.h"
+#include "common/Output.h"
+#include "predict/GeneModel.h"
+#include "predict/Predict.h"
+#include "predict/Writers.h"
+#include "seq/FastaBlocks.h"
+#include "seq/FastaScanner.h"
+
+namespace genetrain {
+
+namespace {
+
+struct RecordJob {
+  std::size_t index = 0;
+  std::string id;
+  std::vector<std::uint8_t> codes;
+};
+
+// The texts one record adds to each output, made by the worker so that the writer only copies.
+struct RecordText {
+  std::string main, proteins, nucleotides;
+  std::int64_t bases = 0;
+};
+
+RecordText PredictRecord(const GeneModel& model, const PredictSettings& settings,
+                         const PredictOptions& options, const RecordJob& job) {
+  const std::vector<PredictedGene> genes = PredictGenes(model, job.codes, settings);
+  RecordText text;
+  text.bases = static_cast<std::int64_t>(job.codes.size());
+  if (options.format == GeneFormat::kGff) {
+    AppendGff3Record(text.main, job.id, text.bases, genes);
+  } else {
+    AppendGeneSet(text.main, job.id, genes);
+  }
+  if (!options.proteins.empty()) {
+    AppendProteins(text.proteins, job.id, job.codes, genes, model.geneticCode);
+  }
+  if (!options.nucleotides.empty()) AppendNucleotides(text.nucleotides, job.id, job.codes, genes);
+  return text;
+}
+
+// Records done and bases per second, rewritten in place on a terminal a few times a second.
+class Progress {
+ public:
+  explicit Progress(bool quiet) : shown_(!quiet && isatty(STDERR_FILENO) == 1) {}
+  void Add(std::int64_t bases) {
+    ++records_;
+    bases_ += bases;
+    if (!shown_) return;
+    const Clock::time_point now = Clock::now();
+    if (now - last_ < std::chrono::milliseconds(250)) return;
+    last_ = now;
+    Print();
+  }
+  void Finish() {
+    if (!shown_ || records_ == 0) return;
+    Print();
+    std::fputc('\n', stderr);
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  void Print() const {
+    const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+    const double rate = seconds > 0 ? static_cast<double>(bases_) / seconds / 1e6 : 0.0;
+    std::fprintf(stderr, "\rgenefind predict: %zu records, %.2f Mb/s", records_, rate);
+    std::fflush(stderr);
+  }
+  bool shown_;
+  std::size_t records_ = 0;
+  std::int64_t bases_ = 0;
+  Clock::time_point start_ = Clock::now(), last_ = start_;
+};
+
+// Hands the records to N workers through a bounded queue and gives their texts to the writer in
+// input order: at most kInFlightPerThread records per thread are read, queued, predicted or
+// waiting for an earlier one, so memory follows the largest records, not the file. One thread
+// predicts in the reading thread itself.
+class Pipeline {
+ public:
+  using Writer = std::function<void(const RecordText&)>;
+  Pipeline(const GeneModel& model, const PredictSettings& settings, const PredictOptions& options,
+           Writer writer)
+      : model_(model), settings_(settings), options_(options), writer_(std::move(writer)) {
+    const int threads = std::max(1, options.threads);
+    limit_ = static_cast<std::size_t>(threads) * kInFlightPerThread;
+    if (threads == 1) return;
+    for (int t = 0; t < threads; ++t) workers_.emplace_back([this] { Work(); });
+  }
+  ~Pipeline() { Stop(); }
+  Pipeline(const Pipeline&) = delete;
+  Pipeline& operator=(const Pipeline&) = delete;
+
+  void Submit(RecordJob job) {
+    if (workers_.empty()) {
+      writer_(PredictRecord(model_, settings_, options_, job));
+      return;
+    }
+    std::unique_lock lock(mutex_);
+    jobs_.push_back(std::move(job));
+    ++submitted_;
+    jobReady_.notify_one();
+    WriteWhile(lock, [this] { return submitted_ - written_ >= limit_; });
+  }
+
+  // Writes what is left and ends the workers.
+  void Finish() {
+    if (workers_.empty()) return;
+    std::unique_lock lock(mutex_);
+    WriteWhile(lock, [this] { return written_ < submitted_; });
+    lock.unlock();
+    Stop();
+  }
+
+ private:
+  static constexpr std::size_t kInFlightPerThread = 2;
+
+  void Stop() {
+    {
+      const std::lock_guard lock(mutex_);
+      closed_ = true;
+      jobs_.clear();
+    }
+    jobReady_.notify_all();
+    for (std::thread& worker : workers_) worker.join();
+    workers_.clear();
+  }
+
+  void Work() {
+    for (;;) {
+      RecordJob job;
+      {
+        std::unique_lock lock(mutex_);
+        jobReady_.wait(lock, [this] { return closed_ || !jobs_.empty(); });
+        if (jobs_.empty()) return;
+        job = std::move(jobs_.front());
+        jobs_.pop_front();
+      }
+      RecordText text = PredictRecord(model_, settings_, options_, job);
+      {
+        const std::lock_guard lock(mutex_);
+        done_.emplace(job.index, std::move(text));
+      }
+      resultReady_.notify_one();
+    }
+  }
+
+  // Writes the finished records that are next in input order, waiting for more while `more`.
+  template <typename More>
+  void WriteWhile(std::unique_lock<std::mutex>& lock, More more) {
+    for (;;) {
+      for (auto next = done_.find(written_); next != done_.end(); next = done_.find(written_)) {
+        const RecordText text = std::move(next->second);
+        done_.erase(next);
+        ++written_;
+        lock.unlock();
+        writer_(text);
+        lock.lock();
+      }
+      if (!more()) return;
+      resultReady_.wait(lock);
+    }
+  }
+
+  const GeneModel& model_;
+  const PredictSettings& settings_;
+  const PredictOptions& options_;
+  Writer writer_;
+  std::size_t limit_ = 1;
+  std::vector<std::thread> workers_;
+  std::mutex mutex_;
+  std::condition_variable jobReady_, resultReady_;
+  std::deque<RecordJob> jobs_;
+  std::map<std::size_t, RecordText> done_;
+  std::size_t submitted_ = 0, written_ = 0;
+  bool closed_ = false;
+};
+
+// Gathers each record of the FASTA splitter (its id: the label's first word) as base codes and
+// hands it to the pipeline. For a gene set, records after the first are only counted.
+class RecordSink {
+ public:
+  RecordSink(Pipeline& pipeline, bool onlyFirst) : pipeline_(pipeline), onlyFirst_(onlyFirst) {}
+  void Begin() {
+    ++records_;
+    job_ = RecordJob{};
+    job_.index = records_ - 1;
+    idDone_ = false;
+    labelStart_ = true;
+  }
+  void Label(std::string_view piece) {
+    if (labelStart_ && !piece.empty()) {
+      piece.remove_prefix(1);  // the ">"
+      labelStart_ = false;
+    }
+    for (const char byte : piece) {
+      if (idDone_) return;
+      if (IsSpace(byte)) {
+        idDone_ = !job_.id.empty();
+        continue;
+      }
+      job_.id.push_back(byte);
+    }
+  }
+  void Body(std::string_view piece) {
+    if (Skipping()) return;
+    AppendCodes(piece, job_.codes);
+  }
+  void End() {
+    if (Skipping()) return;
+    if (job_.id.empty()) job_.id = "seq" + std::to_string(records_);
+    pipeline_.Submit(std::move(job_));
+  }
+  std::size_t Records() const { return records_; }
+
+ private:
+  bool Skipping() const { return onlyFirst_ && records_ > 1; }
+  Pipeline& pipeline_;
+  bool onlyFirst_;
+  RecordJob job_;
+  std::size_t records_ = 0;
+  bool idDone_ = false, labelStart_ = true;
+};
+
+// The FASTA reading of the streaming commands, standard input included.
+bool ReadRecords(const std::string& name, RecordSink& sink) {
+  const bool fromStdin = name == "-";
+  InputStream input(stdin, "standard input");
+  if (!fromStdin && !input.Open(name.c_str())) return false;
+  const std::unique_ptr<char[]> block(new char[kFastaBlockSize]);
+  FastaSplitter splitter;
+  std::size_t got = kFastaBlockSize;
+  while (got == kFastaBlockSize) {
+    got = input.Read({block.get(), kFastaBlockSize});
+    splitter.Feed({block.get(), got}, sink);
+  }
+  if (input.Failed()) {
+    input.PrintReadError();
+    return false;
+  }
+  splitter.Finish(sink);
+  return true;
+}
+
+std::string OutputName(const std::string& name) {
+  return name == "-" ? std::string() : name;
+}
+
+}  // namespace
+
+bool RunPredict(const PredictOptions& options) {
+  GeneModel model;
+  if (!LoadGeneModel(options.model, model)) return false;
+  PredictSettings settings;
+  settings.maxNRun = options.maxNRun;
+
+  OutputFile main, proteins, nucleotides;
+  if (!main.Open(OutputName(options.output))) return false;
+  if (!options.proteins.empty() && !proteins.Open(OutputName(options.proteins))) return false;
+  if (!options.nucleotides.empty() && !nucleotides.Open(OutputName(options.nucleotides))) {
+    return false;
+  }
+  // Nothing goes out before the first record is predicted, so that a FASTA file that cannot be
+  // read leaves standard output empty; a gene set, one record at most, is held to the end, where
+  // a second record makes it an error.
+  const bool geneSet = options.format == GeneFormat::kGenes;
+  bool started = false;
+  std::string held;
+  const auto start = [&] {
+    if (started) return;
+    started = true;
+    if (geneSet) return;
+    std::string header;
+    AppendGff3Header(header);
+    main.Write(header);
+  };
+  Progress progress(options.quiet);
+  Pipeline pipeline(model, settings, options, [&](const RecordText& text) {
+    start();
+    if (geneSet) {
+      held.append(text.main);
+    } else {
+      main.Write(text.main);
+    }
+    if (!options.proteins.empty()) proteins.Write(text.proteins);
+    if (!options.nucleotides.empty()) nucleotides.Write(text.nucleotides);
+    progress.Add(text.bases);
+  });
+  RecordSink sink(pipeline, geneSet);
+  const bool read = ReadRecords(options.input, sink);
+  if (read) pipeline.Finish();
+  progress.Finish();
+  if (!read) return false;
+  if (geneSet && sink.Records() > 1) {
+    std::fprintf(stderr,
+                 "error: file <%s> holds %zu records and a gene set describes one: use -f gff\n",
+                 options.input.c_str(), sink.Records());
+    return false;
+  }
+  start();
+  main.Write(held);
+  bool committed = main.Commit();
+  if (!options.proteins.empty()) committed = proteins.Commit() && committed;
+  if (!options.nucleotides.empty()) committed = nucleotides.Commit() && committed;
+  return committed;
+}
+
+}  // namespace genetrain
