@@ -29,7 +29,9 @@
 // weighted interval scheduling: best(g) = S(g) + max(0, best(h) over h ending before
 // left(g) + maxOverlap), so neighbours may share up to maxOverlap bases and two starts of one
 // ORF (which share the stop) never both appear. Backtracking gives the genes. The confidence is
-// the logistic of S against the best alternative start of the same stop that was not taken.
+// the logistic of the best total against the best total of a set that holds another start of
+// the gene's stop instead, or no gene there: a second pass from the right gives, for each
+// candidate, the best set that holds it.
 
 #include <algorithm>
 #include <cmath>
@@ -154,6 +156,107 @@ std::int64_t Key(const PredictedGene& gene) {
   return gene.strand == Strand::kDirect ? 2 * gene.right : 2 * gene.left + 1;
 }
 
+// Candidate h may precede candidate g in a gene set when h ends before this limit: the two share
+// at most maxOverlap bases, and h ends before g does.
+std::int64_t Limit(const PredictedGene& g, std::int64_t maxOverlap) {
+  return std::min(g.left + maxOverlap, g.right);
+}
+
+// best[i]: the highest total score of a gene set whose rightmost gene is candidate i (candidates
+// sorted by right end); from[i] its gene before i, last the rightmost gene of the best set.
+struct ForwardPass {
+  std::vector<double> best;
+  std::vector<std::int64_t> from;
+  std::int64_t last = -1;
+  double total = 0;
+};
+
+ForwardPass Forward(const std::vector<PredictedGene>& candidates, std::int64_t maxOverlap) {
+  const std::size_t count = candidates.size();
+  ForwardPass pass;
+  pass.best.resize(count);
+  pass.from.assign(count, -1);
+  std::vector<double> prefixBest(count);
+  std::vector<std::int64_t> prefixArg(count, -1);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::int64_t limit = Limit(candidates[i], maxOverlap);
+    const auto it = std::lower_bound(
+        candidates.begin(), candidates.begin() + static_cast<std::ptrdiff_t>(i), limit,
+        [](const PredictedGene& g, std::int64_t value) { return g.right < value; });
+    const auto k = it - candidates.begin();
+    pass.best[i] = candidates[i].score;
+    if (k > 0 && prefixBest[static_cast<std::size_t>(k - 1)] > 0) {
+      pass.best[i] += prefixBest[static_cast<std::size_t>(k - 1)];
+      pass.from[i] = prefixArg[static_cast<std::size_t>(k - 1)];
+    }
+    const bool improves = i == 0 || pass.best[i] > prefixBest[i - 1];
+    prefixBest[i] = improves ? pass.best[i] : prefixBest[i - 1];
+    prefixArg[i] = improves ? static_cast<std::int64_t>(i) : prefixArg[i - 1];
+  }
+  if (count > 0) {
+    pass.last = prefixArg[count - 1];
+    pass.total = prefixBest[count - 1];
+  }
+  return pass;
+}
+
+// after[i]: the highest total score of a gene set whose leftmost gene is candidate i. The genes
+// that may follow i are those whose limit lies beyond i's right end; they all end to the right
+// of i, so walking right to left finds them done, and a running maximum over limits (a Fenwick
+// tree, indexed from the largest limit down) answers each query.
+std::vector<double> Backward(const std::vector<PredictedGene>& candidates,
+                             std::int64_t maxOverlap) {
+  const std::size_t count = candidates.size();
+  std::vector<std::int64_t> limits;
+  limits.reserve(count);
+  for (const PredictedGene& g : candidates) limits.push_back(Limit(g, maxOverlap));
+  std::sort(limits.begin(), limits.end());
+  limits.erase(std::unique(limits.begin(), limits.end()), limits.end());
+  const std::size_t ranks = limits.size();
+  std::vector<double> tree(ranks + 1, 0.0);  // maxima of after over limits; 0: no gene follows
+  std::vector<double> after(count);
+  for (std::size_t i = count; i-- > 0;) {
+    // Limits beyond the right end hold tree positions 1..ranks - first.
+    const auto first = static_cast<std::size_t>(
+        std::upper_bound(limits.begin(), limits.end(), candidates[i].right) - limits.begin());
+    double follow = 0;
+    for (std::size_t p = ranks - first; p > 0; p -= p & (~p + 1))
+      follow = std::max(follow, tree[p]);
+    after[i] = candidates[i].score + follow;
+    const auto rank = static_cast<std::size_t>(
+        std::lower_bound(limits.begin(), limits.end(), Limit(candidates[i], maxOverlap)) -
+        limits.begin());
+    for (std::size_t p = ranks - rank; p <= ranks; p += p & (~p + 1)) {
+      tree[p] = std::max(tree[p], after[i]);
+    }
+  }
+  return after;
+}
+
+// The confidence of a chosen gene: the best gene set, which holds it, against the best set that
+// holds another start of its ORF instead, or none (the same set without the gene), as a
+// probability. A longer start that scores more on its own but pushes out a neighbour is weighed
+// with the neighbour it costs.
+void SetConfidences(const std::vector<PredictedGene>& candidates, const ForwardPass& forward,
+                    const std::vector<double>& after, const std::vector<std::size_t>& chosen,
+                    std::vector<PredictedGene>& genes) {
+  std::unordered_map<std::int64_t, std::size_t> byStop;
+  std::vector<double> rival(genes.size());
+  for (std::size_t g = 0; g < genes.size(); ++g) {
+    byStop[Key(genes[g])] = g;
+    rival[g] = forward.total - genes[g].score;
+  }
+  for (std::size_t i = 0; i < candidates.size(); ++i) {
+    const auto found = byStop.find(Key(candidates[i]));
+    if (found == byStop.end() || chosen[found->second] == i) continue;
+    const double with = forward.best[i] + after[i] - candidates[i].score;
+    rival[found->second] = std::max(rival[found->second], with);
+  }
+  for (std::size_t g = 0; g < genes.size(); ++g) {
+    genes[g].confidence = 100.0 / (1.0 + std::exp(rival[g] - forward.total));
+  }
+}
+
 std::string SiteBases(std::span<const std::uint8_t> codes, const PredictedGene& gene,
                       std::size_t width) {
   static constexpr char kLetters[] = "ACGTNN";
@@ -191,47 +294,16 @@ std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const 
             [](const PredictedGene& a, const PredictedGene& b) {
               return a.right != b.right ? a.right < b.right : a.left < b.left;
             });
-  const std::size_t count = candidates.size();
-  std::vector<double> best(count), prefixBest(count);
-  std::vector<std::int64_t> from(count, -1), prefixArg(count, -1);
-  for (std::size_t i = 0; i < count; ++i) {
-    const PredictedGene& gene = candidates[i];
-    // The genes that end before this one's left end plus the overlap, and before its right end.
-    const std::int64_t limit = std::min(gene.left + settings.maxOverlap, gene.right);
-    const auto it = std::lower_bound(
-        candidates.begin(), candidates.begin() + static_cast<std::ptrdiff_t>(i), limit,
-        [](const PredictedGene& g, std::int64_t value) { return g.right < value; });
-    const auto k = it - candidates.begin();
-    best[i] = gene.score;
-    if (k > 0 && prefixBest[static_cast<std::size_t>(k - 1)] > 0) {
-      best[i] += prefixBest[static_cast<std::size_t>(k - 1)];
-      from[i] = prefixArg[static_cast<std::size_t>(k - 1)];
-    }
-    const bool improves = i == 0 || best[i] > prefixBest[i - 1];
-    prefixBest[i] = improves ? best[i] : prefixBest[i - 1];
-    prefixArg[i] = improves ? static_cast<std::int64_t>(i) : prefixArg[i - 1];
-  }
+  const ForwardPass forward = Forward(candidates, settings.maxOverlap);
   std::vector<PredictedGene> genes;
-  for (std::int64_t i = count > 0 ? prefixArg[count - 1] : -1; i >= 0;
-       i = from[static_cast<std::size_t>(i)]) {
-    genes.push_back(candidates[static_cast<std::size_t>(i)]);
+  std::vector<std::size_t> chosen;
+  for (std::int64_t i = forward.last; i >= 0; i = forward.from[static_cast<std::size_t>(i)]) {
+    chosen.push_back(static_cast<std::size_t>(i));
   }
-  std::reverse(genes.begin(), genes.end());
-  // The confidence: the gene against the best other start of its ORF (or, alone, against
-  // non-coding), as a probability.
-  std::unordered_map<std::int64_t, std::size_t> byStop;
-  for (std::size_t g = 0; g < genes.size(); ++g) byStop[Key(genes[g])] = g;
-  std::vector<double> rivals(genes.size(), 0.0);
-  for (const PredictedGene& c : candidates) {
-    const auto found = byStop.find(Key(c));
-    if (found == byStop.end()) continue;
-    const PredictedGene& chosen = genes[found->second];
-    if (c.left != chosen.left || c.right != chosen.right) {
-      rivals[found->second] = std::max(rivals[found->second], c.score);
-    }
-  }
+  std::reverse(chosen.begin(), chosen.end());
+  for (const std::size_t i : chosen) genes.push_back(candidates[i]);
+  SetConfidences(candidates, forward, Backward(candidates, settings.maxOverlap), chosen, genes);
   for (std::size_t g = 0; g < genes.size(); ++g) {
-    genes[g].confidence = 100.0 / (1.0 + std::exp(rivals[g] - genes[g].score));
     if (genes[g].rbsSpacer >= 0) {
       genes[g].rbsMotif = SiteBases(codes, genes[g], model.rbsMatrix.size());
     }
