@@ -27,10 +27,12 @@ namespace genetrain {
 
 namespace {
 
+// A record as read: its letters stay raw text (line breaks included) until a worker takes it,
+// so that the reading thread only copies bytes and the conversion to codes runs in parallel.
 struct RecordJob {
   std::size_t index = 0;
   std::string id;
-  std::vector<std::uint8_t> codes;
+  std::string body;
 };
 
 // The texts one record adds to each output, made by the worker so that the writer only copies.
@@ -40,19 +42,22 @@ struct RecordText {
 };
 
 RecordText PredictRecord(const GeneModel& model, const PredictSettings& settings,
-                         const PredictOptions& options, const RecordJob& job) {
-  const std::vector<PredictedGene> genes = PredictGenes(model, job.codes, settings);
+                         const PredictOptions& options, RecordJob& job) {
+  std::vector<std::uint8_t> codes;
+  AppendCodes(job.body, codes);
+  std::string().swap(job.body);
+  const std::vector<PredictedGene> genes = PredictGenes(model, codes, settings);
   RecordText text;
-  text.bases = static_cast<std::int64_t>(job.codes.size());
+  text.bases = static_cast<std::int64_t>(codes.size());
   if (options.format == GeneFormat::kGff) {
     AppendGff3Record(text.main, job.id, text.bases, genes);
   } else {
     AppendGeneSet(text.main, job.id, genes);
   }
   if (!options.proteins.empty()) {
-    AppendProteins(text.proteins, job.id, job.codes, genes, model.geneticCode);
+    AppendProteins(text.proteins, job.id, codes, genes, model.geneticCode);
   }
-  if (!options.nucleotides.empty()) AppendNucleotides(text.nucleotides, job.id, job.codes, genes);
+  if (!options.nucleotides.empty()) AppendNucleotides(text.nucleotides, job.id, codes, genes);
   return text;
 }
 
@@ -221,7 +226,7 @@ class RecordSink {
   }
   void Body(std::string_view piece) {
     if (Skipping()) return;
-    AppendCodes(piece, job_.codes);
+    job_.body.append(piece);
   }
   void End() {
     if (Skipping()) return;
