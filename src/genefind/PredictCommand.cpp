@@ -246,22 +246,9 @@ class RecordSink {
 
 // The FASTA reading of the streaming commands, standard input included.
 bool ReadRecords(const std::string& name, RecordSink& sink) {
-  const bool fromStdin = name == "-";
   InputStream input(stdin, "standard input");
-  if (!fromStdin && !input.Open(name.c_str())) return false;
-  const std::unique_ptr<char[]> block(new char[kFastaBlockSize]);
-  FastaSplitter splitter;
-  std::size_t got = kFastaBlockSize;
-  while (got == kFastaBlockSize) {
-    got = input.Read({block.get(), kFastaBlockSize});
-    splitter.Feed({block.get(), got}, sink);
-  }
-  if (input.Failed()) {
-    input.PrintReadError();
-    return false;
-  }
-  splitter.Finish(sink);
-  return true;
+  if (name != "-" && !input.Open(name.c_str())) return false;
+  return ReadFastaBlocks(input, kFastaBlockSize, sink);
 }
 
 std::string OutputName(const std::string& name) {

@@ -88,13 +88,11 @@ bool SinkStopped(const Sink& sink) {
   }
 }
 
-// Reads the named FASTA file (gzip or plain) in blocks and hands its records to the sink. Fails
-// with the messages of FileBuf::Load; after a failure while reading the sink may have heard
-// part of the file. A sink that stops is not told the end of the file: the caller asks it.
+// Reads an open FASTA stream (gzip or plain) in blocks and hands its records to the sink. After a
+// failure while reading the sink may have heard part of the file. A sink that stops is not told
+// the end of the file: the caller asks it.
 template <typename Sink>
-bool ReadFastaBlocks(const std::string& name, std::size_t blockSize, Sink& sink) {
-  InputStream input;
-  if (!input.Open(name.c_str())) return false;
+bool ReadFastaBlocks(InputStream& input, std::size_t blockSize, Sink& sink) {
   blockSize = std::max<std::size_t>(blockSize, 1);
   const std::unique_ptr<char[]> block(new char[blockSize]);
   FastaSplitter splitter;
@@ -110,6 +108,13 @@ bool ReadFastaBlocks(const std::string& name, std::size_t blockSize, Sink& sink)
   }
   splitter.Finish(sink);
   return true;
+}
+
+// The same for the named file, failing with the messages of FileBuf::Load.
+template <typename Sink>
+bool ReadFastaBlocks(const std::string& name, std::size_t blockSize, Sink& sink) {
+  InputStream input;
+  return input.Open(name.c_str()) && ReadFastaBlocks(input, blockSize, sink);
 }
 
 }  // namespace genetrain
