@@ -42,8 +42,7 @@ CodeSeq VSeq::GeneSeq(int left, int right, Strand strand) const {
   if (first > last) return piece;
   piece.assign(sequence.begin() + first, sequence.begin() + last + 1);
   if (strand == Strand::kReverse) {
-    std::reverse(piece.begin(), piece.end());
-    for (std::uint8_t& code : piece) code = Complement(code);
+    ReverseComplement(piece);
   }
   for (std::size_t i = 0; i + 2 < piece.size(); i += 3) {
     if (!IsBase(piece[i]) || !IsBase(piece[i + 1]) || !IsBase(piece[i + 2])) continue;

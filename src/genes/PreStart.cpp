@@ -91,8 +91,7 @@ CodeSeq VSeq::RegionSeq(int left, int right_end, Strand strand, int upstream, in
   end = std::clamp<std::int64_t>(end, begin, length);
   CodeSeq region(sequence.begin() + begin, sequence.begin() + end);
   if (strand == Strand::kReverse) {
-    std::reverse(region.begin(), region.end());
-    for (std::uint8_t& code : region) code = Complement(code);
+    ReverseComplement(region);
   }
   return region;
 }

@@ -284,8 +284,8 @@ std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const 
   for (const auto& [begin, end] : Pieces(codes, settings.maxNRun)) {
     const auto piece =
         codes.subspan(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
-    reverse.assign(piece.rbegin(), piece.rend());
-    for (std::uint8_t& code : reverse) code = IsBase(code) ? Complement(code) : code;
+    reverse.assign(piece.begin(), piece.end());
+    ReverseComplement(reverse);
     const FrameSums direct(model, piece), opposite(model, reverse);
     AddStrand(model, piece, begin, Strand::kDirect, direct, opposite, settings, candidates);
     AddStrand(model, reverse, begin, Strand::kReverse, opposite, direct, settings, candidates);

@@ -77,11 +77,7 @@ void AppendFastaHeader(std::string& out, std::string_view recordId, std::size_t 
 std::vector<std::uint8_t> GeneCodes(std::span<const std::uint8_t> codes,
                                     const PredictedGene& gene) {
   std::vector<std::uint8_t> bases(codes.begin() + gene.left, codes.begin() + gene.right + 1);
-  if (gene.strand == Strand::kReverse) {
-    std::vector<std::uint8_t> reverse(bases.rbegin(), bases.rend());
-    for (std::uint8_t& code : reverse) code = Complement(code);
-    bases.swap(reverse);
-  }
+  if (gene.strand == Strand::kReverse) ReverseComplement(bases);
   return bases;
 }
 

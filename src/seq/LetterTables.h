@@ -1,9 +1,11 @@
 #ifndef GENETRAIN_SEQ_LETTERTABLES_H
 #define GENETRAIN_SEQ_LETTERTABLES_H
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 
 namespace genetrain {
 
@@ -31,6 +33,12 @@ constexpr bool IsBase(std::uint8_t code) {
 // The complement of a base code; any code that is not a base has none and gives kOther.
 constexpr std::uint8_t Complement(std::uint8_t code) {
   return IsBase(code) ? static_cast<std::uint8_t>(kT - code) : std::uint8_t{kOther};
+}
+
+// Turns a coded stretch into the other strand's reading of it, in place.
+inline void ReverseComplement(std::span<std::uint8_t> codes) {
+  std::reverse(codes.begin(), codes.end());
+  for (std::uint8_t& code : codes) code = Complement(code);
 }
 
 // The index of a word of base codes, two bits per base with the first base highest: a word of
