@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
   if (!seq.ReadRecords(argv[2])) return 1;
   PredictSettings settings;
   if (const char* overlap = std::getenv("PREDICT_MAX_OVERLAP"))
-    settings.maxOverlap = std::atoi(overlap);
+    settings.overlap.maxOverlap = std::atoi(overlap);
   std::string genes, gff;
   AppendGff3Header(gff);
   for (std::size_t r = 0; r < seq.records.size(); ++r) {

@@ -25,10 +25,10 @@
 //   (C_own - max_r C_r) / 4, and a candidate keeps the better of the two.
 // The start prior ranks the starts of one ORF (Candidates.cpp): each base downstream of the
 //   ORF's first start costs half the model's mean non-coding log-odds per base.
-// The decoder keeps the candidates with S > 0 of both strands, sorts them by right end and runs
-// weighted interval scheduling: best(g) = S(g) + max(0, best(h) over h ending before
-// left(g) + maxOverlap), so neighbours may share up to maxOverlap bases and two starts of one
-// ORF (which share the stop) never both appear. Backtracking gives the genes. The confidence is
+// The decoder keeps the candidates with S > 0 of both strands, sorts them by right end and picks
+// the set of highest total by weighted interval scheduling (Schedule.cpp): neighbours may share
+// up to 60 bases, each base beyond four costing 0.05 nats, and two starts of one ORF (which share
+// the stop) never both appear. The confidence is
 // the logistic of the best total against the best total of a set that holds another start of
 // the gene's stop instead, or no gene there: a second pass from the right gives, for each
 // candidate, the best set that holds it.
@@ -38,6 +38,7 @@
 #include <unordered_map>
 
 #include "predict/Predict.h"
+#include "predict/Schedule.h"
 
 namespace genetrain {
 
@@ -156,104 +157,25 @@ std::int64_t Key(const PredictedGene& gene) {
   return gene.strand == Strand::kDirect ? 2 * gene.right : 2 * gene.left + 1;
 }
 
-// Candidate h may precede candidate g in a gene set when h ends before this limit: the two share
-// at most maxOverlap bases, and h ends before g does.
-std::int64_t Limit(const PredictedGene& g, std::int64_t maxOverlap) {
-  return std::min(g.left + maxOverlap, g.right);
-}
-
-// best[i]: the highest total score of a gene set whose rightmost gene is candidate i (candidates
-// sorted by right end); from[i] its gene before i, last the rightmost gene of the best set.
-struct ForwardPass {
-  std::vector<double> best;
-  std::vector<std::int64_t> from;
-  std::int64_t last = -1;
-  double total = 0;
-};
-
-ForwardPass Forward(const std::vector<PredictedGene>& candidates, std::int64_t maxOverlap) {
-  const std::size_t count = candidates.size();
-  ForwardPass pass;
-  pass.best.resize(count);
-  pass.from.assign(count, -1);
-  std::vector<double> prefixBest(count);
-  std::vector<std::int64_t> prefixArg(count, -1);
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::int64_t limit = Limit(candidates[i], maxOverlap);
-    const auto it = std::lower_bound(
-        candidates.begin(), candidates.begin() + static_cast<std::ptrdiff_t>(i), limit,
-        [](const PredictedGene& g, std::int64_t value) { return g.right < value; });
-    const auto k = it - candidates.begin();
-    pass.best[i] = candidates[i].score;
-    if (k > 0 && prefixBest[static_cast<std::size_t>(k - 1)] > 0) {
-      pass.best[i] += prefixBest[static_cast<std::size_t>(k - 1)];
-      pass.from[i] = prefixArg[static_cast<std::size_t>(k - 1)];
-    }
-    const bool improves = i == 0 || pass.best[i] > prefixBest[i - 1];
-    prefixBest[i] = improves ? pass.best[i] : prefixBest[i - 1];
-    prefixArg[i] = improves ? static_cast<std::int64_t>(i) : prefixArg[i - 1];
-  }
-  if (count > 0) {
-    pass.last = prefixArg[count - 1];
-    pass.total = prefixBest[count - 1];
-  }
-  return pass;
-}
-
-// after[i]: the highest total score of a gene set whose leftmost gene is candidate i. The genes
-// that may follow i are those whose limit lies beyond i's right end; they all end to the right
-// of i, so walking right to left finds them done, and a running maximum over limits (a Fenwick
-// tree, indexed from the largest limit down) answers each query.
-std::vector<double> Backward(const std::vector<PredictedGene>& candidates,
-                             std::int64_t maxOverlap) {
-  const std::size_t count = candidates.size();
-  std::vector<std::int64_t> limits;
-  limits.reserve(count);
-  for (const PredictedGene& g : candidates) limits.push_back(Limit(g, maxOverlap));
-  std::sort(limits.begin(), limits.end());
-  limits.erase(std::unique(limits.begin(), limits.end()), limits.end());
-  const std::size_t ranks = limits.size();
-  std::vector<double> tree(ranks + 1, 0.0);  // maxima of after over limits; 0: no gene follows
-  std::vector<double> after(count);
-  for (std::size_t i = count; i-- > 0;) {
-    // Limits beyond the right end hold tree positions 1..ranks - first.
-    const auto first = static_cast<std::size_t>(
-        std::upper_bound(limits.begin(), limits.end(), candidates[i].right) - limits.begin());
-    double follow = 0;
-    for (std::size_t p = ranks - first; p > 0; p -= p & (~p + 1))
-      follow = std::max(follow, tree[p]);
-    after[i] = candidates[i].score + follow;
-    const auto rank = static_cast<std::size_t>(
-        std::lower_bound(limits.begin(), limits.end(), Limit(candidates[i], maxOverlap)) -
-        limits.begin());
-    for (std::size_t p = ranks - rank; p <= ranks; p += p & (~p + 1)) {
-      tree[p] = std::max(tree[p], after[i]);
-    }
-  }
-  return after;
-}
-
 // The confidence of a chosen gene: the best gene set, which holds it, against the best set that
 // holds another start of its ORF instead, or none (the same set without the gene), as a
 // probability. A longer start that scores more on its own but pushes out a neighbour is weighed
 // with the neighbour it costs.
-void SetConfidences(const std::vector<PredictedGene>& candidates, const ForwardPass& forward,
-                    const std::vector<double>& after, const std::vector<std::size_t>& chosen,
+void SetConfidences(const std::vector<PredictedGene>& candidates, const Schedule& schedule,
                     std::vector<PredictedGene>& genes) {
   std::unordered_map<std::int64_t, std::size_t> byStop;
   std::vector<double> rival(genes.size());
   for (std::size_t g = 0; g < genes.size(); ++g) {
     byStop[Key(genes[g])] = g;
-    rival[g] = forward.total - genes[g].score;
+    rival[g] = schedule.total - genes[g].score;
   }
   for (std::size_t i = 0; i < candidates.size(); ++i) {
     const auto found = byStop.find(Key(candidates[i]));
-    if (found == byStop.end() || chosen[found->second] == i) continue;
-    const double with = forward.best[i] + after[i] - candidates[i].score;
-    rival[found->second] = std::max(rival[found->second], with);
+    if (found == byStop.end() || schedule.chosen[found->second] == i) continue;
+    rival[found->second] = std::max(rival[found->second], schedule.throughBest[i]);
   }
   for (std::size_t g = 0; g < genes.size(); ++g) {
-    genes[g].confidence = 100.0 / (1.0 + std::exp(rival[g] - forward.total));
+    genes[g].confidence = 100.0 / (1.0 + std::exp(rival[g] - schedule.total));
   }
 }
 
@@ -294,15 +216,10 @@ std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const 
             [](const PredictedGene& a, const PredictedGene& b) {
               return a.right != b.right ? a.right < b.right : a.left < b.left;
             });
-  const ForwardPass forward = Forward(candidates, settings.maxOverlap);
+  const Schedule schedule = BestGeneSet(candidates, settings.overlap);
   std::vector<PredictedGene> genes;
-  std::vector<std::size_t> chosen;
-  for (std::int64_t i = forward.last; i >= 0; i = forward.from[static_cast<std::size_t>(i)]) {
-    chosen.push_back(static_cast<std::size_t>(i));
-  }
-  std::reverse(chosen.begin(), chosen.end());
-  for (const std::size_t i : chosen) genes.push_back(candidates[i]);
-  SetConfidences(candidates, forward, Backward(candidates, settings.maxOverlap), chosen, genes);
+  for (const std::size_t i : schedule.chosen) genes.push_back(candidates[i]);
+  SetConfidences(candidates, schedule, genes);
   for (std::size_t g = 0; g < genes.size(); ++g) {
     if (genes[g].rbsSpacer >= 0) {
       genes[g].rbsMotif = SiteBases(codes, genes[g], model.rbsMatrix.size());

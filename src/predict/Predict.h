@@ -12,10 +12,22 @@
 
 namespace genetrain {
 
+// How neighbouring genes may overlap: up to `maxOverlap` bases, the first `freeOverlap` of them
+// free and each further base costing `overlapCost` nats (Schedule.cpp says why).
+struct OverlapRule {
+  std::int64_t maxOverlap = 60;
+  std::int64_t freeOverlap = 4;
+  double overlapCost = 0.05;
+
+  double Cost(std::int64_t overlap) const {
+    return overlap <= freeOverlap ? 0.0 : overlapCost * static_cast<double>(overlap - freeOverlap);
+  }
+};
+
 struct PredictSettings {
-  std::int32_t maxNRun = 50;     // no gene crosses a run of this many unknown letters or more
-  std::int32_t maxOverlap = 60;  // bases two neighbouring genes may share
-  double rbsSiteShare = 0.5;     // prior share of genes with an RBS site (with an RBS model)
+  std::int32_t maxNRun = 50;  // no gene crosses a run of this many unknown letters or more
+  OverlapRule overlap;
+  double rbsSiteShare = 0.5;  // prior share of genes with an RBS site (with an RBS model)
 };
 
 inline constexpr unsigned kNoCodon = 64;

@@ -252,7 +252,8 @@ TEST_F(Synthetic, ShadowsOfAGeneAreDropped) {
   GeneModel model;
   BuildModel(weights, dir, "shadowy.mod", model);
   PredictSettings anyOverlap;
-  anyOverlap.maxOverlap = 100000;
+  anyOverlap.overlap.maxOverlap = 100000;
+  anyOverlap.overlap.overlapCost = 0;
   int shadows = 0;
   for (int g = 0; g < 4; ++g) {
     const CodeSeq gene = Gene(600, weights);
