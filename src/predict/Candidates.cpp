@@ -56,10 +56,12 @@ class StrandScorer {
     }
     geneCost_ = std::log(model.nonCodingDecay);
     // The first codons of a gene read only weakly as coding (their log-odds per base lies near 0),
-    // while non-coding sequence reads at nonCodingDensity; halfway between the two, a stretch
-    // between two starts is more likely the head of the gene than non-coding. The threshold
-    // follows the model's own separation of coding and non-coding, whatever the GC content.
-    startPrior_ = -0.5 * model.nonCodingDensity;
+    // while non-coding sequence reads at nonCodingDensity. A stretch between two starts whose
+    // log-odds per base lies above three quarters of nonCodingDensity is taken as the head of the
+    // gene; the start codons and the RBS decide the rest. The threshold follows the model's own
+    // separation of coding and non-coding, whatever the GC content. Halfway (0.5) and all the way
+    // (1.0) were each worse on the starts of six genomes taken together (docs/genefind.md).
+    startPrior_ = -0.75 * model.nonCodingDensity;
   }
 
   void ScanFrame(int frame, std::vector<Candidate>& out);

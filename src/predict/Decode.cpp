@@ -24,7 +24,7 @@
 //   typical chain does not describe gets its own score, log CD2P + T + R - log(NDEC) +
 //   (C_own - max_r C_r) / 4, and a candidate keeps the better of the two.
 // The start prior ranks the starts of one ORF (Candidates.cpp): each base downstream of the
-//   ORF's first start costs half the model's mean non-coding log-odds per base.
+//   ORF's first start costs three quarters of the model's mean non-coding log-odds per base.
 // The decoder keeps the candidates with S > 0 of both strands, sorts them by right end and picks
 // the set of highest total by weighted interval scheduling (Schedule.cpp): neighbours may share
 // up to 60 bases, each base beyond four costing 0.05 nats, and two starts of one ORF (which share
