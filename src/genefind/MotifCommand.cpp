@@ -183,7 +183,7 @@ std::string OutputText(const MotifOptions& options, const Regions& regions,
 
 void PrintReport(const Regions& regions, const SiteAlignment& alignment,
                  const MotifProfile& profile, const SamplerSettings& settings,
-                 std::size_t unsampled) {
+                 std::size_t unsampled, const MotifProfile& chance) {
   std::fprintf(stderr,
                "genefind motif: %zu regions of %zu letters, width %d, best of %d restarts "
                "(restart %d, score %.1f, %d sweeps in all)\n",
@@ -210,9 +210,13 @@ void PrintReport(const Regions& regions, const SiteAlignment& alignment,
                "  spacer        most frequent %d (%.1f%% of sites), evenness %.2f (1 = flat)\n",
                profile.commonSpacer, share, profile.spacerEvenness);
   std::fputs("  spacer counts", stderr);
-  for (const std::int64_t n : profile.spacers)
+  for (const std::int64_t n : profile.spacers) {
     std::fprintf(stderr, " %lld", static_cast<long long>(n));
-  std::fputc('\n', stderr);
+  }
+  std::fprintf(stderr,
+               "\n  by chance     %.2f bits, spacer evenness %.2f (the same search on the regions "
+               "with their letters shuffled)\n",
+               chance.totalInformation, chance.spacerEvenness);
 }
 
 }  // namespace
@@ -237,7 +241,15 @@ bool RunMotif(const MotifOptions& options) {
   if (!output.Open(options.output == "-" ? std::string() : options.output)) return false;
   output.Write(OutputText(options, regions, alignment.starts, profile, fallback));
   if (!output.Commit()) return false;
-  if (!options.quiet) PrintReport(regions, alignment, profile, options.sampler, unsampled);
+  if (options.quiet) return true;
+  // The sampler always finds some information, even in random letters; the same search on the
+  // shuffled regions tells what a motif must beat.
+  const std::vector<std::vector<std::uint8_t>> shuffled =
+      ShuffledRegions(regions.codes, options.sampler.seed);
+  const SiteAlignment chanceSites = SampleSites(shuffled, options.sampler);
+  const MotifProfile chance =
+      ProfileOf(shuffled, chanceSites.starts, width, chanceSites.background);
+  PrintReport(regions, alignment, profile, options.sampler, unsampled, chance);
   return true;
 }
 

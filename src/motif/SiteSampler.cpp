@@ -280,6 +280,19 @@ SiteAlignment SampleSites(std::span<const std::vector<std::uint8_t>> regions,
   return sampler.Run();
 }
 
+std::vector<std::vector<std::uint8_t>> ShuffledRegions(
+    std::span<const std::vector<std::uint8_t>> regions, std::uint64_t seed) {
+  std::mt19937_64 engine(seed);
+  std::vector<std::vector<std::uint8_t>> shuffled(regions.begin(), regions.end());
+  for (std::vector<std::uint8_t>& region : shuffled) {
+    for (std::size_t i = region.size(); i > 1; --i) {
+      const auto j = static_cast<std::size_t>(Uniform(engine) * static_cast<double>(i));
+      std::swap(region[i - 1], region[j]);
+    }
+  }
+  return shuffled;
+}
+
 double AlignmentScore(std::span<const std::vector<std::uint8_t>> regions,
                       std::span<const std::int32_t> starts, int width,
                       const std::array<double, 4>& background, double pseudocounts) {

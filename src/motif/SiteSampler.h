@@ -59,6 +59,12 @@ double AlignmentScore(std::span<const std::vector<std::uint8_t>> regions,
                       std::span<const std::int32_t> starts, int width,
                       const std::array<double, 4>& background, double pseudocounts);
 
+// The regions with the letters of each shuffled (Fisher-Yates, from the seed): the same
+// composition without any motif, on which the sampler shows how much information and how
+// uneven a spacer distribution it finds by chance.
+std::vector<std::vector<std::uint8_t>> ShuffledRegions(
+    std::span<const std::vector<std::uint8_t>> regions, std::uint64_t seed);
+
 // What the sites say: letter counts per motif position, consensus, information per position
 // (bits, relative entropy of the site frequencies against the background) and the spacers.
 struct MotifProfile {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -138,6 +139,25 @@ TEST(SiteSampler, PseudocountsDefaultToTheRootOfTheRegionCount) {
   SamplerSettings settings;
   settings.pseudocounts = 0.5;
   EXPECT_DOUBLE_EQ(SampleSites(regions, settings).pseudocounts, 0.5);
+}
+
+// The chance baseline keeps each region's letters and only their order changes.
+TEST(SiteSampler, ShuffledRegionsKeepTheirLetters) {
+  std::vector<std::int32_t> truth;
+  const auto regions = Planted("TGGCAC", 30, 25, 0.0, 4, truth);
+  const auto shuffled = ShuffledRegions(regions, 1);
+  ASSERT_EQ(shuffled.size(), regions.size());
+  int moved = 0;
+  for (std::size_t r = 0; r < regions.size(); ++r) {
+    auto before = regions[r], after = shuffled[r];
+    moved += before != after;
+    std::sort(before.begin(), before.end());
+    std::sort(after.begin(), after.end());
+    EXPECT_EQ(before, after) << "region " << r;
+  }
+  EXPECT_GE(moved, 29);
+  EXPECT_EQ(ShuffledRegions(regions, 1), shuffled);
+  EXPECT_NE(ShuffledRegions(regions, 2), shuffled);
 }
 
 // Hand-derived numbers for the pieces the report and the score rest on.
