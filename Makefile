@@ -48,6 +48,7 @@ test-valgrind: build
 bench: build
 	bash bench/run.sh
 	bash bench/predict_accuracy.sh $(BUILD_DIR)
+	bash bench/motif_bench.sh $(BUILD_DIR)
 
 # A model trained end to end on the bundled E. coli genome; the files go to DEMO_DIR.
 DEMO_DIR ?= $(BUILD_DIR)/demo
