@@ -4,7 +4,10 @@
 #   sequence statistics (--stat), coding and non-coding training sequences (--parse), Markov
 #   chains (--mkchain), the model (--mkmod with examples/ecoli.par), upstream regions of the
 #   genes (--pre_start), a model with ribosome binding site sections from a fixed motif window
-#   (--mkmod --fixmotif) and the agreement of the gene set with itself (--compare).
+#   (--mkmod --fixmotif), the ribosome binding sites that genefind motif finds in the upstream
+#   regions and the model with RBS sections made from them (--gibbs), and the agreement of the
+#   gene set with itself (--compare). genefind is taken from beside genetrain; without it the
+#   motif steps are left out.
 #
 #   demo.sh [BINARY [OUTPUT_FOLDER]]
 #
@@ -42,7 +45,8 @@ mkdir -p "$out"
 out=$(realpath "$out")
 cd "$out"
 rm -f genome.fa genes.txt stat.txt cod.txt non.txt chain_cod.txt chain_non.txt ecoli.mod \
-  upstream.fa ecoli_rbs.mod motif.log compare.txt log.txt
+  upstream.fa ecoli_rbs.mod motif.log sites.out motif_report.txt ecoli_gibbs.mod compare.txt \
+  log.txt
 par=$examples/ecoli.par
 start=$(date +%s.%N)
 
@@ -86,6 +90,20 @@ run --pre_start upstream.fa --par "$par" --seq "$seq" --geneset "$genes" \
 # --fixmotif the --pre_start key only switches the motif on; its file is not written again.
 run --mkmod ecoli_rbs.mod --par "$par" --seq "$seq" --geneset "$genes" \
   --pre_start upstream.fa --fixmotif 1 --PRE_START_WIDTH 20 --width 23 --log motif.log
+# The ribosome binding sites found by the Gibbs site sampler, one per upstream region, become the
+# RBS sections appended to a copy of the model.
+genefind=$(dirname "$bin")/genefind
+if [ -x "$genefind" ]; then
+  echo "\$ genefind motif -o sites.out upstream.fa" >> log.txt
+  if ! "$genefind" motif -o sites.out upstream.fa 2> motif_report.txt; then
+    echo "demo: genefind motif failed:" >&2
+    cat motif_report.txt >&2
+    exit 1
+  fi
+  cat motif_report.txt >> log.txt
+  cp ecoli.mod ecoli_gibbs.mod
+  run --gibbs sites.out --seq upstream.fa --mod ecoli_gibbs.mod
+fi
 run --compare compare.txt --source "$genes" --target "$genes"
 
 end=$(date +%s.%N)
@@ -104,6 +122,15 @@ echo "  ecoli.mod        the model: start codons ATG $(value ATG_ ecoli.mod)," \
   "GTG $(value GTG_ ecoli.mod), TTG $(value TTG_ ecoli.mod)"
 echo "  upstream.fa      $regions upstream regions of 20 bases, input for a motif finder"
 echo "  ecoli_rbs.mod    the model with RBS sections of a fixed 23-base window (motif.log)"
+if [ -s sites.out ]; then
+  consensus=$(awk '$1 == "consensus" { print $2 }' motif_report.txt)
+  spacer=$(awk '$1 == "spacer" && $2 == "most" { print $4 }' motif_report.txt)
+  bits=$(sed -n 's/.*(total \([0-9.]*\) bits).*/\1/p' motif_report.txt)
+  chance=$(awk '$1 == "by" && $2 == "chance" { print $3 }' motif_report.txt)
+  echo "  sites.out        the RBS motif genefind motif found: $consensus, $bits bits" \
+    "($chance by chance), most often $spacer bases before the start (motif_report.txt)"
+  echo "  ecoli_gibbs.mod  the model with RBS sections made from those sites (--gibbs)"
+fi
 echo "  compare.txt      the gene set against itself: $(tr '\t' ' ' < compare.txt)" \
   "(both ends, stop end)"
 echo "The commands and their messages: log.txt"

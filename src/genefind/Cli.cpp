@@ -9,6 +9,7 @@
 
 #include "convert/Convert.h"
 #include "driver/Usage.h"
+#include "genefind/MotifCommand.h"
 #include "genefind/PredictCommand.h"
 
 namespace genetrain {
@@ -17,7 +18,7 @@ namespace {
 
 constexpr int kUsageStatus = 2;
 
-enum class Command { kNone, kConvert, kPredict };
+enum class Command { kNone, kConvert, kPredict, kMotif };
 
 struct CommandLine {
   Command command = Command::kNone;
@@ -25,6 +26,9 @@ struct CommandLine {
   std::string convertFormat = "genes";
   PredictOptions predict;
   std::string predictFormat = "gff";
+  MotifOptions motif;
+  std::string motifFormat = "motif";
+  double motifPseudocounts = -1.0;  // below 0: the sampler's own choice
 };
 
 void AddConvert(CLI::App& app, CommandLine& line) {
@@ -113,6 +117,63 @@ void AddPredict(CLI::App& app, CommandLine& line) {
   predict->callback([&line] { line.command = Command::kPredict; });
 }
 
+void AddMotif(CLI::App& app, CommandLine& line) {
+  CLI::App* motif = app.add_subcommand(
+      "motif",
+      "Find the ribosome binding site motif, one site per region, in the upstream regions that "
+      "genetrain --pre_start writes (FASTA, gzip or plain), with a Gibbs site sampler; the "
+      "sites are written as genetrain --gibbs reads them.");
+  SamplerSettings& sampler = line.motif.sampler;
+  motif->add_option("-w,--width", sampler.width, "Motif width")
+      ->type_name("N")
+      ->check(CLI::Range(1, 100))
+      ->capture_default_str();
+  motif
+      ->add_option("--restarts", sampler.restarts,
+                   "Runs from random sites; the one whose sites score best is kept")
+      ->type_name("N")
+      ->check(CLI::Range(1, 100000))
+      ->capture_default_str();
+  motif
+      ->add_option("--iterations", sampler.iterations,
+                   "Sweeps over all regions per run at most; a run also ends after " +
+                       std::to_string(sampler.plateau) + " sweeps without a better alignment")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1000000))
+      ->capture_default_str();
+  motif
+      ->add_option("--pseudocounts", line.motifPseudocounts,
+                   "Pseudocounts per motif position, spread over the letters by their "
+                   "frequency in the regions (default: the square root of the number of "
+                   "regions)")
+      ->type_name("X")
+      ->check(CLI::Range(0.0, 1e9));
+  motif
+      ->add_option("--seed", sampler.seed,
+                   "Seed of the random numbers; a seed gives the same sites on every run")
+      ->type_name("N")
+      ->capture_default_str();
+  motif
+      ->add_option("-o,--output", line.motif.output,
+                   "Output file, written whole or not at all (default: standard output)")
+      ->type_name("FILE");
+  motif
+      ->add_option("-f,--format", line.motifFormat,
+                   "Output format: motif (the MOTIF A site list of genetrain --gibbs) or table "
+                   "(tab-separated: region, id, start, end, spacer, site)")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"motif", "table"}))
+      ->capture_default_str();
+  motif->add_flag("-q,--quiet", line.motif.quiet,
+                  "No report (consensus, information, spacers) on standard error");
+  motif
+      ->add_option("REGIONS", line.motif.input,
+                   "FASTA file of regions of one length, gzip or plain; - for standard input")
+      ->type_name("FILE")
+      ->required();
+  motif->callback([&line] { line.command = Command::kMotif; });
+}
+
 bool IsCommand(CLI::App& app, std::string_view word) {
   const auto named = [word](CLI::App* command) { return command->get_name() == word; };
   return !app.get_subcommands(named).empty();
@@ -130,6 +191,7 @@ int Parse(int argc, const char* const* argv, CommandLine& line) {
   });
   AddConvert(app, line);
   AddPredict(app, line);
+  AddMotif(app, line);
   // Set after the commands, which would otherwise inherit it.
   app.footer("Run 'genefind COMMAND --help' for the options of a command.");
   if (argc > 1 && argv[1][0] != '-' && !IsCommand(app, argv[1])) {
@@ -164,6 +226,11 @@ int RunGenefind(int argc, const char* const* argv) {
     if (line.command == Command::kPredict) {
       line.predict.format = line.predictFormat == "genes" ? GeneFormat::kGenes : GeneFormat::kGff;
       return RunPredict(line.predict) ? 0 : 1;
+    }
+    if (line.command == Command::kMotif) {
+      line.motif.format = line.motifFormat == "table" ? MotifFormat::kTable : MotifFormat::kMotif;
+      if (line.motifPseudocounts >= 0.0) line.motif.sampler.pseudocounts = line.motifPseudocounts;
+      return RunMotif(line.motif) ? 0 : 1;
     }
   } catch (const std::bad_alloc&) {
     std::fputs("error: out of memory\n", stderr);
