@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Accuracy and cost of genefind predict on the E. coli genome of examples/, next to Prodigal in
-# the same run: builds the model from the curated gene set (without and with the fixed-motif RBS
-# sections), predicts with build/genefind, and prints 3'-end sensitivity, precision and start
-# agreement against the curated set, CPU time, peak memory and the CPU ratio to Prodigal (which
-# also trains); then the wall time of -t 1 and -t 2 on the 156-contig draft repeated ten times.
+# the same run: builds the model from the curated gene set (without RBS sections, with those of a
+# fixed window, and with those of the motif genefind motif finds), predicts with build/genefind,
+# and prints 3'-end sensitivity, precision and start agreement against the curated set, CPU time,
+# peak memory and the CPU ratio to Prodigal (which also trains); then the wall time of -t 1 and
+# -t 2 on the 156-contig draft repeated ten times.
 #
 #   make bench                              (runs this after bench/run.sh)
 #   bash bench/predict_accuracy.sh [BUILD_DIR]
@@ -19,6 +20,14 @@ curated=$root/examples/ecoli_mg1655_curated.genes.gz
 "$build/genetrain" --mkmod "$work/rbs.mod" --par "$root/examples/ecoli.par" \
   --seq "$work/ecoli.fa" --geneset "$curated" \
   --pre_start x --fixmotif 1 --PRE_START_WIDTH 20 --width 23 > /dev/null
+# The RBS sections of the sampled motif: upstream regions, genefind motif, --gibbs.
+"$build/genetrain" --pre_start "$work/upstream.fa" --par "$root/examples/ecoli.par" \
+  --seq "$work/ecoli.fa" --geneset "$curated" --PRE_START_WIDTH 20 --PRE_START_RELATIVE_POS 0 \
+  > /dev/null
+"$build/genefind" motif -q -o "$work/sites.out" "$work/upstream.fa"
+cp "$work/plain.mod" "$work/motif.mod"
+"$build/genetrain" --gibbs "$work/sites.out" --seq "$work/upstream.fa" --mod "$work/motif.mod" \
+  > /dev/null
 
 # CPU seconds (user + system) and peak resident kB of one command, into "$work/cost".
 cost() {
@@ -29,7 +38,7 @@ cost() {
 }
 
 declare -A cpuOf
-for model in plain rbs; do
+for model in plain rbs motif; do
   name="genefind ($model model)"
   cost "$build/genefind" predict -q -m "$work/$model.mod" -o "$work/$model.gff" "$work/ecoli.fa"
   read -r cpuOf[$model] peak < "$work/cost"
@@ -41,7 +50,7 @@ if command -v prodigal > /dev/null; then
   read -r prodigalCpu peak < "$work/cost"
   echo "prodigal: cpu_seconds $prodigalCpu peak_kb $peak"
   python3 "$root/bench/gene_accuracy.py" "$curated" "$work/prodigal.gff" prodigal
-  for model in plain rbs; do
+  for model in plain rbs motif; do
     printf 'cpu ratio genefind (%s model) / prodigal: %.3f (target <= 0.25)\n' "$model" \
       "$(echo "${cpuOf[$model]} / $prodigalCpu" | bc -l)"
   done
