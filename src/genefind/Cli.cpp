@@ -28,6 +28,7 @@ struct CommandLine {
   std::string predictFormat = "gff";
   MotifOptions motif;
   std::string motifFormat = "motif";
+  std::string motifModel = "zoops";
   double motifPseudocounts = -1.0;  // below 0: the sampler's own choice
 };
 
@@ -149,6 +150,14 @@ void AddMotif(CLI::App& app, CommandLine& line) {
       ->type_name("X")
       ->check(CLI::Range(0.0, 1e9));
   motif
+      ->add_option("--model", line.motifModel,
+                   "zoops: a region holds a site or none, and each site counts in the matrix "
+                   "with the posterior that its region holds one; oops: every region holds one, "
+                   "every site counts fully")
+      ->type_name("MODEL")
+      ->check(CLI::IsMember({"zoops", "oops"}))
+      ->capture_default_str();
+  motif
       ->add_option("--seed", sampler.seed,
                    "Seed of the random numbers; a seed gives the same sites on every run")
       ->type_name("N")
@@ -230,6 +239,7 @@ int RunGenefind(int argc, const char* const* argv) {
     if (line.command == Command::kMotif) {
       line.motif.format = line.motifFormat == "table" ? MotifFormat::kTable : MotifFormat::kMotif;
       if (line.motifPseudocounts >= 0.0) line.motif.sampler.pseudocounts = line.motifPseudocounts;
+      line.motif.sampler.model = line.motifModel == "oops" ? SiteModel::kOops : SiteModel::kZoops;
       return RunMotif(line.motif) ? 0 : 1;
     }
   } catch (const std::bad_alloc&) {

@@ -173,8 +173,10 @@ std::string OutputText(const MotifOptions& options, const Regions& regions,
   if (options.format == MotifFormat::kMotif) {
     // A line with parentheses ends what --gibbs reads.
     char tail[160];
+    const auto sites = std::count_if(starts.begin(), starts.end(),
+                                     [](std::int32_t start) { return start != kNoSite; });
     std::snprintf(tail, sizeof tail, "\n(%lld sites of width %d, consensus %s, %.2f bits)\n",
-                  static_cast<long long>(profile.sites), width, profile.consensus.c_str(),
+                  static_cast<long long>(sites), width, profile.consensus.c_str(),
                   profile.totalInformation);
     text.append(tail);
   }
@@ -183,7 +185,9 @@ std::string OutputText(const MotifOptions& options, const Regions& regions,
 
 void PrintReport(const Regions& regions, const SiteAlignment& alignment,
                  const MotifProfile& profile, const SamplerSettings& settings,
-                 std::size_t unsampled, const MotifProfile& chance) {
+                 std::size_t unsampled, const SiteAlignment& chanceSites,
+                 const MotifProfile& chance) {
+  const bool zoops = settings.model == SiteModel::kZoops;
   std::fprintf(stderr,
                "genefind motif: %zu regions of %zu letters, width %d, best of %d restarts "
                "(restart %d, score %.1f, %d sweeps in all)\n",
@@ -195,6 +199,12 @@ void PrintReport(const Regions& regions, const SiteAlignment& alignment,
                  "  %zu regions have no window without N; their lines take the most common "
                  "start\n",
                  unsampled);
+  }
+  if (zoops) {
+    std::fprintf(stderr,
+                 "  share of regions with a site %.2f; the spacers count the %lld sites whose "
+                 "region holds one with a posterior of %.1f or more\n",
+                 alignment.siteShare, static_cast<long long>(profile.sites), kLikelySite);
   }
   std::fprintf(stderr, "  consensus     %s\n  information  ", profile.consensus.c_str());
   for (const double bits : profile.information) std::fprintf(stderr, " %.2f", bits);
@@ -213,10 +223,10 @@ void PrintReport(const Regions& regions, const SiteAlignment& alignment,
   for (const std::int64_t n : profile.spacers) {
     std::fprintf(stderr, " %lld", static_cast<long long>(n));
   }
-  std::fprintf(stderr,
-               "\n  by chance     %.2f bits, spacer evenness %.2f (the same search on the regions "
-               "with their letters shuffled)\n",
-               chance.totalInformation, chance.spacerEvenness);
+  std::fprintf(stderr, "\n  by chance     %.2f bits, spacer evenness %.2f", chance.totalInformation,
+               chance.spacerEvenness);
+  if (zoops) std::fprintf(stderr, ", share of regions with a site %.2f", chanceSites.siteShare);
+  std::fputs(" (the same search on the regions with their letters shuffled)\n", stderr);
 }
 
 }  // namespace
@@ -235,7 +245,7 @@ bool RunMotif(const MotifOptions& options) {
     return false;
   }
   const MotifProfile profile =
-      ProfileOf(regions.codes, alignment.starts, width, alignment.background);
+      ProfileOf(regions.codes, alignment.starts, alignment.weights, width, alignment.background);
   const std::int32_t fallback = CommonStart(alignment.starts, regions.codes[0].size());
   OutputFile output;
   if (!output.Open(options.output == "-" ? std::string() : options.output)) return false;
@@ -248,8 +258,8 @@ bool RunMotif(const MotifOptions& options) {
       ShuffledRegions(regions.codes, options.sampler.seed);
   const SiteAlignment chanceSites = SampleSites(shuffled, options.sampler);
   const MotifProfile chance =
-      ProfileOf(shuffled, chanceSites.starts, width, chanceSites.background);
-  PrintReport(regions, alignment, profile, options.sampler, unsampled, chance);
+      ProfileOf(shuffled, chanceSites.starts, chanceSites.weights, width, chanceSites.background);
+  PrintReport(regions, alignment, profile, options.sampler, unsampled, chanceSites, chance);
   return true;
 }
 

@@ -60,18 +60,41 @@ double ScoreOf(const Counts& counts, double sites, const std::array<double, 4>& 
   return score;
 }
 
+// Per motif position and letter, q(k,b) / background(b) for counts of the given total weight:
+// (c + B bg) / (T bg) = c / (T bg) + B / T, with one division per call.
+void RatiosOf(const Counts& counts, double weight, const std::array<double, 4>& background,
+              double pseudocounts, Counts& ratios) {
+  ratios.resize(counts.size());
+  const double share = 1.0 / (weight + pseudocounts);
+  const double floor = pseudocounts * share;
+  std::array<double, 4> scale{};
+  for (int b = 0; b < 4; ++b) scale[b] = share / background[b];
+  for (std::size_t k = 0; k < counts.size(); ++k) {
+    for (int b = 0; b < 4; ++b) {
+      // Weights added and taken out again may leave a rounding error below zero.
+      ratios[k][b] = std::max(0.0, counts[k][b]) * scale[b] + floor;
+    }
+  }
+}
+
+double SiteWeight(double share, double meanRatio) {
+  return share * meanRatio / (1.0 - share + share * meanRatio);
+}
+
 class Sampler {
  public:
   Sampler(std::span<const std::vector<std::uint8_t>> regions, const SamplerSettings& settings,
           const std::array<double, 4>& background, double pseudocounts)
       : settings_(settings),
+        zoops_(settings.model == SiteModel::kZoops),
         width_(settings.width),
         windows_(WindowsOf(regions, settings.width)),
         background_(background),
         pseudocounts_(pseudocounts),
         engine_(settings.seed),
         counts_(static_cast<std::size_t>(settings.width)),
-        sites_(regions.size(), kNoSite) {
+        sites_(regions.size(), kNoSite),
+        weights_(regions.size(), 0.0) {
     for (std::size_t r = 0; r < regions.size(); ++r) {
       if (WindowCount(r) > 0) active_.push_back(static_cast<std::int32_t>(r));
     }
@@ -83,16 +106,19 @@ class Sampler {
   SiteAlignment Run() {
     SiteAlignment best;
     best.starts.assign(sites_.size(), kNoSite);
+    best.weights.assign(sites_.size(), 0.0);
     best.score = -HUGE_VAL;
     best.background = background_;
     best.pseudocounts = pseudocounts_;
     if (active_.empty()) return best;
     for (int restart = 0; restart < std::max(1, settings_.restarts); ++restart) {
-      std::vector<std::int32_t> restartBest;
+      State restartBest;
       const double score = Restart(restartBest, best.sweeps);
       if (score > best.score) {
         best.score = score;
-        best.starts = std::move(restartBest);
+        best.starts = std::move(restartBest.sites);
+        best.weights = std::move(restartBest.weights);
+        best.siteShare = restartBest.share;
         best.bestRestart = restart;
       }
     }
@@ -100,6 +126,12 @@ class Sampler {
   }
 
  private:
+  struct State {
+    std::vector<std::int32_t> sites;
+    std::vector<double> weights;
+    double share = 1.0;
+  };
+
   std::int32_t WindowCount(std::size_t region) const {
     return windows_.firstWindow[region + 1] - windows_.firstWindow[region];
   }
@@ -110,87 +142,149 @@ class Sampler {
     const std::uint8_t* site = Site(region, start);
     for (int k = 0; k < width_; ++k) counts_[static_cast<std::size_t>(k)][site[k]] += step;
   }
-  double Score() const {
-    return ScoreOf(counts_, static_cast<double>(active_.size()), background_, pseudocounts_);
+  // The counts of the current sites and weights, with every site moved by `shift` where its
+  // region allows.
+  void Recount(int shift) {
+    for (std::array<double, 4>& row : counts_) row.fill(0.0);
+    for (const std::int32_t r : active_) Count(r, Shifted(r, shift), weights_[r]);
+  }
+  State Saved() const { return State{sites_, weights_, share_}; }
+  void Restore(const State& state) {
+    sites_ = state.sites;
+    weights_ = state.weights;
+    share_ = state.share;
+    totalWeight_ = 0.0;
+    for (const std::int32_t r : active_) totalWeight_ += weights_[r];
+    Recount(0);
+  }
+
+  double Score() {
+    if (!zoops_) return ScoreOf(counts_, totalWeight_, background_, pseudocounts_);
+    RatiosOf(counts_, totalWeight_, background_, pseudocounts_, ratioRows_);
+    double score = 0.0;
+    for (const std::int32_t r : active_) {
+      score += std::log(1.0 - share_ + share_ * MeanRatio(r));
+    }
+    return score;
+  }
+  // The mean likelihood ratio of the region's windows under ratioRows_, whose running sums go
+  // to cumulative_ for the draw.
+  double MeanRatio(std::int32_t r) {
+    const auto first = static_cast<std::size_t>(windows_.firstWindow[r]);
+    const auto count = static_cast<std::size_t>(WindowCount(r));
+    const std::uint8_t* letters = Site(r, 0);
+    const std::int32_t* starts = windows_.starts.data() + first;
+    double* ratios = cumulative_.data();
+    // Four windows at a time: their products do not wait on each other.
+    std::size_t w = 0;
+    for (; w + 4 <= count; w += 4) {
+      const std::uint8_t* site0 = letters + starts[w];
+      const std::uint8_t* site1 = letters + starts[w + 1];
+      const std::uint8_t* site2 = letters + starts[w + 2];
+      const std::uint8_t* site3 = letters + starts[w + 3];
+      double p0 = 1.0, p1 = 1.0, p2 = 1.0, p3 = 1.0;
+      for (int k = 0; k < width_; ++k) {
+        const std::array<double, 4>& row = ratioRows_[static_cast<std::size_t>(k)];
+        p0 *= row[site0[k]];
+        p1 *= row[site1[k]];
+        p2 *= row[site2[k]];
+        p3 *= row[site3[k]];
+      }
+      ratios[w] = p0;
+      ratios[w + 1] = p1;
+      ratios[w + 2] = p2;
+      ratios[w + 3] = p3;
+    }
+    for (; w < count; ++w) {
+      const std::uint8_t* site = letters + starts[w];
+      double product = 1.0;
+      for (int k = 0; k < width_; ++k) product *= ratioRows_[static_cast<std::size_t>(k)][site[k]];
+      ratios[w] = product;
+    }
+    double total = 0.0;
+    for (w = 0; w < count; ++w) {
+      total += ratios[w];
+      ratios[w] = total;
+    }
+    return total / static_cast<double>(count);
+  }
+  // The share of regions with a site, from the weights of the sweep just made.
+  void UpdateShare() {
+    if (!zoops_) return;
+    share_ = std::clamp(totalWeight_ / static_cast<double>(active_.size()), kLeastSiteShare,
+                        kMostSiteShare);
   }
 
   // One run from random sites; returns its best score and alignment.
-  double Restart(std::vector<std::int32_t>& bestSites, int& sweeps) {
+  double Restart(State& best, int& sweeps) {
+    share_ = zoops_ ? kStartSiteShare : 1.0;
+    totalWeight_ = 0.0;
     for (std::array<double, 4>& row : counts_) row.fill(0.0);
     for (const std::int32_t r : active_) {
       const auto first = static_cast<std::size_t>(windows_.firstWindow[r]);
       const auto pick = static_cast<std::size_t>(Uniform(engine_) * WindowCount(r));
       sites_[r] = windows_.starts[first + pick];
-      Count(r, sites_[r], 1.0);
+      weights_[r] = share_;
+      totalWeight_ += share_;
+      Count(r, sites_[r], share_);
     }
     double bestScore = Score();
-    bestSites = sites_;
+    best = Saved();
     int sinceBetter = 0;
     for (int sweep = 1; sweep <= settings_.iterations && sinceBetter < settings_.plateau; ++sweep) {
       ++sweeps;
       for (const std::int32_t r : active_) Resample(r, Choice::kDraw);
-      if (settings_.maxShift > 0 && sweep % std::max(1, settings_.shiftEvery) == 0) PhaseShift();
-      const double score = Score();
+      UpdateShare();
+      double score = Score();
+      if (settings_.maxShift > 0 && sweep % std::max(1, settings_.shiftEvery) == 0) {
+        PhaseShift(score);
+      }
       if (score > bestScore) {
         bestScore = score;
-        bestSites = sites_;
+        best = Saved();
         sinceBetter = 0;
       } else {
         ++sinceBetter;
       }
     }
-    return Refine(bestSites, bestScore);
+    return Refine(best, bestScore);
   }
 
   // Sampling wanders around the optimum rather than settling on it, the more so for a weak
   // motif: from the best alignment sampled, every region takes its most likely window given
-  // the others, sweep after sweep, until no site moves.
-  double Refine(std::vector<std::int32_t>& bestSites, double bestScore) {
-    sites_ = bestSites;
-    for (std::array<double, 4>& row : counts_) row.fill(0.0);
-    for (const std::int32_t r : active_) Count(r, sites_[r], 1.0);
+  // the others, sweep after sweep, while the score rises and sites move. (Under kZoops the
+  // weights keep drifting a little, and on letters without a motif the sites may never settle.)
+  double Refine(State& best, double bestScore) {
+    Restore(best);
     for (int sweep = 0; sweep < settings_.iterations; ++sweep) {
       bool moved = false;
       for (const std::int32_t r : active_) moved = Resample(r, Choice::kBest) || moved;
-      if (settings_.maxShift > 0) moved = PhaseShift() || moved;
+      UpdateShare();
+      double score = Score();
+      if (settings_.maxShift > 0) moved = PhaseShift(score) || moved;
+      if (score < bestScore) break;
+      bestScore = score;
+      best = Saved();
       if (!moved) break;
     }
-    const double score = Score();
-    if (score < bestScore) return bestScore;
-    bestSites = sites_;
-    return score;
+    return bestScore;
   }
 
   enum class Choice { kDraw, kBest };
 
   // Takes the region's site out, and draws a new one in proportion to its likelihood ratio
-  // under the matrix of the other sites, or takes the likeliest. True when the site moved.
+  // under the matrix of the other sites, or takes the likeliest; under kZoops the site's new
+  // weight is the posterior of a site in the region. True when the site moved.
   bool Resample(std::int32_t r, Choice choice) {
-    Count(r, sites_[r], -1.0);
-    const double others = static_cast<double>(active_.size() - 1) + pseudocounts_;
-    std::vector<std::array<double, 4>>& ratios = ratioRows_;
-    ratios.resize(static_cast<std::size_t>(width_));
-    for (int k = 0; k < width_; ++k) {
-      for (int b = 0; b < 4; ++b) {
-        const double q =
-            (counts_[static_cast<std::size_t>(k)][b] + pseudocounts_ * background_[b]) / others;
-        ratios[static_cast<std::size_t>(k)][b] = q / background_[b];
-      }
-    }
+    Count(r, sites_[r], -weights_[r]);
+    totalWeight_ -= weights_[r];
+    RatiosOf(counts_, totalWeight_, background_, pseudocounts_, ratioRows_);
+    const double meanRatio = MeanRatio(r);
     const auto first = static_cast<std::size_t>(windows_.firstWindow[r]);
     const auto count = static_cast<std::size_t>(WindowCount(r));
-    const std::uint8_t* letters = Site(r, 0);
-    double total = 0.0;
-    for (std::size_t w = 0; w < count; ++w) {
-      const std::uint8_t* site = letters + windows_.starts[first + w];
-      double weight = 1.0;
-      for (int k = 0; k < width_; ++k) weight *= ratios[static_cast<std::size_t>(k)][site[k]];
-      total += weight;
-      cumulative_[w] = total;
-    }
     std::size_t pick = 0;
     if (choice == Choice::kDraw) {
-      const double draw = Uniform(engine_) * total;
+      const double draw = Uniform(engine_) * cumulative_[count - 1];
       while (pick + 1 < count && cumulative_[pick] <= draw) ++pick;
     } else {
       double most = cumulative_[0];
@@ -204,21 +298,22 @@ class Sampler {
     }
     const std::int32_t old = sites_[r];
     sites_[r] = windows_.starts[first + pick];
-    Count(r, sites_[r], 1.0);
+    if (zoops_) weights_[r] = SiteWeight(share_, meanRatio);
+    Count(r, sites_[r], weights_[r]);
+    totalWeight_ += weights_[r];
     return sites_[r] != old;
   }
 
-  // Moves every site by the shift, up to maxShift either way, that scores best; a site whose
+  // Moves every site by the shift, up to maxShift either way, that scores better than
+  // `bestScore`, the score as the sites are, and sets it to the score kept; a site whose
   // shifted window would leave its region or hold an unknown letter stays where it is. Without
   // this, sampling can stick to a motif seen a position or two off its centre.
-  bool PhaseShift() {
-    double bestScore = Score();
+  bool PhaseShift(double& bestScore) {
     int bestShift = 0;
     Counts saved = counts_;
     for (int shift = -settings_.maxShift; shift <= settings_.maxShift; ++shift) {
       if (shift == 0) continue;
-      for (std::array<double, 4>& row : counts_) row.fill(0.0);
-      for (const std::int32_t r : active_) Count(r, Shifted(r, shift), 1.0);
+      Recount(shift);
       const double score = Score();
       if (score > bestScore) {
         bestScore = score;
@@ -230,14 +325,15 @@ class Sampler {
     for (const std::int32_t r : active_) {
       const std::int32_t moved = Shifted(r, bestShift);
       if (moved == sites_[r]) continue;
-      Count(r, sites_[r], -1.0);
+      Count(r, sites_[r], -weights_[r]);
       sites_[r] = moved;
-      Count(r, moved, 1.0);
+      Count(r, moved, weights_[r]);
     }
     return true;
   }
 
   std::int32_t Shifted(std::int32_t r, int shift) const {
+    if (shift == 0) return sites_[r];
     const std::int32_t moved = sites_[r] + shift;
     const auto first = windows_.starts.begin() + windows_.firstWindow[r];
     const auto last = windows_.starts.begin() + windows_.firstWindow[r + 1];
@@ -245,6 +341,7 @@ class Sampler {
   }
 
   const SamplerSettings& settings_;
+  bool zoops_;
   int width_;
   Windows windows_;
   std::array<double, 4> background_;
@@ -252,9 +349,12 @@ class Sampler {
   std::mt19937_64 engine_;
   Counts counts_;
   std::vector<std::int32_t> sites_;
+  std::vector<double> weights_;
+  double share_ = 1.0;
+  double totalWeight_ = 0.0;
   std::vector<std::int32_t> active_;
   std::vector<double> cumulative_;
-  std::vector<std::array<double, 4>> ratioRows_;
+  Counts ratioRows_;
 };
 
 }  // namespace
@@ -309,9 +409,45 @@ double AlignmentScore(std::span<const std::vector<std::uint8_t>> regions,
   return ScoreOf(counts, sites, background, pseudocounts);
 }
 
+double ZoopsScore(std::span<const std::vector<std::uint8_t>> regions,
+                  std::span<const std::int32_t> starts, std::span<const double> weights, int width,
+                  const std::array<double, 4>& background, double pseudocounts, double siteShare) {
+  const auto size = static_cast<std::size_t>(width);
+  Counts counts(size);
+  double total = 0.0;
+  for (std::size_t r = 0; r < regions.size(); ++r) {
+    if (starts[r] == kNoSite) continue;
+    total += weights[r];
+    for (std::size_t k = 0; k < size; ++k) {
+      counts[k][regions[r][static_cast<std::size_t>(starts[r]) + k]] += weights[r];
+    }
+  }
+  double score = 0.0;
+  for (std::size_t r = 0; r < regions.size(); ++r) {
+    if (starts[r] == kNoSite) continue;
+    double sum = 0.0;
+    int windows = 0;
+    for (std::size_t start = 0; start + size <= regions[r].size(); ++start) {
+      const auto site = regions[r].begin() + static_cast<std::ptrdiff_t>(start);
+      if (!std::all_of(site, site + width, IsBase)) continue;
+      double ratio = 1.0;
+      for (std::size_t k = 0; k < size; ++k) {
+        const std::uint8_t code = site[static_cast<std::ptrdiff_t>(k)];
+        const double q =
+            (counts[k][code] + pseudocounts * background[code]) / (total + pseudocounts);
+        ratio *= q / background[code];
+      }
+      sum += ratio;
+      ++windows;
+    }
+    score += std::log(1.0 - siteShare + siteShare * sum / windows);
+  }
+  return score;
+}
+
 MotifProfile ProfileOf(std::span<const std::vector<std::uint8_t>> regions,
-                       std::span<const std::int32_t> starts, int width,
-                       const std::array<double, 4>& background) {
+                       std::span<const std::int32_t> starts, std::span<const double> weights,
+                       int width, const std::array<double, 4>& background) {
   MotifProfile profile;
   profile.counts.assign(static_cast<std::size_t>(width), {});
   // Every spacer a region allows has its entry, so that a flat distribution is seen as flat.
@@ -323,24 +459,26 @@ MotifProfile ProfileOf(std::span<const std::vector<std::uint8_t>> regions,
   }
   for (std::size_t r = 0; r < regions.size(); ++r) {
     if (starts[r] == kNoSite) continue;
-    ++profile.sites;
+    const double weight = weights.empty() ? 1.0 : weights[r];
     for (int k = 0; k < width; ++k) {
       const std::uint8_t code = regions[r][static_cast<std::size_t>(starts[r] + k)];
-      if (IsBase(code)) ++profile.counts[static_cast<std::size_t>(k)][code];
+      if (IsBase(code)) profile.counts[static_cast<std::size_t>(k)][code] += weight;
     }
+    if (weight < kLikelySite) continue;
+    ++profile.sites;
     const auto spacer =
         static_cast<std::size_t>(static_cast<std::int64_t>(regions[r].size()) - starts[r] - width);
     ++profile.spacers[spacer];
   }
   constexpr std::array<char, 4> kLetters{'A', 'C', 'G', 'T'};
-  for (const std::array<std::int64_t, 4>& row : profile.counts) {
-    const std::int64_t total = row[0] + row[1] + row[2] + row[3];
+  for (const std::array<double, 4>& row : profile.counts) {
+    const double total = row[0] + row[1] + row[2] + row[3];
     const auto top = std::max_element(row.begin(), row.end()) - row.begin();
-    profile.consensus.push_back(total == 0 ? 'N' : kLetters[static_cast<std::size_t>(top)]);
+    profile.consensus.push_back(total == 0.0 ? 'N' : kLetters[static_cast<std::size_t>(top)]);
     double bits = 0.0;
-    for (int b = 0; b < 4 && total > 0; ++b) {
-      if (row[b] == 0) continue;
-      const double f = static_cast<double>(row[b]) / static_cast<double>(total);
+    for (int b = 0; b < 4 && total > 0.0; ++b) {
+      if (row[b] == 0.0) continue;
+      const double f = row[b] / total;
       bits += f * std::log2(f / background[b]);
     }
     profile.information.push_back(bits);

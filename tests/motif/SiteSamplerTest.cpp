@@ -58,23 +58,85 @@ double ShareAtTruth(const std::vector<std::int32_t>& found,
   return static_cast<double>(same) / static_cast<double>(truth.size());
 }
 
+// The score of an alignment recomputed from scratch under the sampler's model.
+double PlainScore(const std::vector<std::vector<std::uint8_t>>& regions,
+                  const std::vector<std::int32_t>& starts, const SiteAlignment& found,
+                  SiteModel model, int width = 6) {
+  if (model == SiteModel::kOops) {
+    return AlignmentScore(regions, starts, width, found.background, found.pseudocounts);
+  }
+  return ZoopsScore(regions, starts, found.weights, width, found.background, found.pseudocounts,
+                    found.siteShare);
+}
+
 // The sampler recovers planted sites, mutated ones included, whatever the seed of the data or of
-// the sampler; and the score it reports is the one recomputed from scratch for its sites, which
-// checks the counts it keeps up to date through every removal, draw and phase shift.
+// the sampler, under either model; and the score it reports is the one recomputed from scratch
+// for its sites (and weights), which checks the counts it keeps up to date through every
+// removal, draw, reweighing and phase shift.
 TEST(SiteSampler, RecoversPlantedSitesForEverySeed) {
-  for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+  for (const SiteModel model : {SiteModel::kZoops, SiteModel::kOops}) {
+    for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+      std::vector<std::int32_t> truth;
+      const auto regions = Planted("TGGCAC", 60, 40, 0.1, seed, truth);
+      SamplerSettings settings;
+      settings.model = model;
+      settings.seed = seed * 7919;
+      const SiteAlignment found = SampleSites(regions, settings);
+      const auto label = ::testing::Message()
+                         << (model == SiteModel::kOops ? "oops" : "zoops") << " seed " << seed;
+      EXPECT_GE(ShareAtTruth(found.starts, truth), 0.85) << label;
+      const double plain = PlainScore(regions, found.starts, found, model);
+      EXPECT_NEAR(found.score, plain, 1e-9 * std::abs(plain)) << label;
+      // No alignment can beat the planted one by much: the found one is at least as good.
+      EXPECT_GE(found.score, PlainScore(regions, truth, found, model) - 1e-9) << label;
+      if (model == SiteModel::kOops) {
+        EXPECT_EQ(found.weights, std::vector<double>(regions.size(), 1.0)) << label;
+        EXPECT_EQ(found.siteShare, 1.0) << label;
+      } else {
+        // Every region holds a site: the share goes to its upper bound.
+        EXPECT_GE(found.siteShare, 0.9) << label;
+      }
+    }
+  }
+}
+
+// Half of the regions hold a planted site and half none: the share of regions with a site comes
+// out near a half, and the weights tell the two halves apart. The plain model, by contrast,
+// gives every site of an empty region full weight in the matrix.
+TEST(SiteSampler, ZoopsWeighsRegionsByTheirSite) {
+  for (std::uint32_t seed = 1; seed <= 4; ++seed) {
     std::vector<std::int32_t> truth;
-    const auto regions = Planted("TGGCAC", 60, 40, 0.1, seed, truth);
+    auto regions = Planted("TAAGGAGG", 400, 20, 0.1, seed, truth);
+    std::mt19937 engine(seed + 100);
+    for (std::size_t r = 1; r < regions.size(); r += 2) {
+      for (std::uint8_t& code : regions[r]) code = static_cast<std::uint8_t>(engine() % 4);
+    }
     SamplerSettings settings;
-    settings.seed = seed * 7919;
+    settings.width = 8;
+    settings.seed = seed;
     const SiteAlignment found = SampleSites(regions, settings);
-    EXPECT_GE(ShareAtTruth(found.starts, truth), 0.85) << "seed " << seed;
-    const double plain =
-        AlignmentScore(regions, found.starts, 6, found.background, found.pseudocounts);
+    EXPECT_NEAR(found.siteShare, 0.5, 0.08) << "seed " << seed;
+    double planted = 0.0, empty = 0.0;
+    int plantedHigh = 0, emptyLow = 0, atTruth = 0;
+    for (std::size_t r = 0; r < regions.size(); ++r) {
+      const double weight = found.weights[r];
+      if (r % 2 == 0) {
+        planted += weight;
+        plantedHigh += weight >= kLikelySite;
+        atTruth += found.starts[r] == truth[r];
+      } else {
+        empty += weight;
+        emptyLow += weight < kLikelySite;
+      }
+    }
+    const double half = static_cast<double>(regions.size() / 2);
+    EXPECT_GE(planted / half, 0.85) << "seed " << seed;
+    EXPECT_LE(empty / half, 0.2) << "seed " << seed;
+    EXPECT_GE(plantedHigh / half, 0.9) << "seed " << seed;
+    EXPECT_GE(emptyLow / half, 0.9) << "seed " << seed;
+    EXPECT_GE(atTruth / half, 0.85) << "seed " << seed;
+    const double plain = PlainScore(regions, found.starts, found, SiteModel::kZoops, 8);
     EXPECT_NEAR(found.score, plain, 1e-9 * std::abs(plain)) << "seed " << seed;
-    // No alignment can beat the planted one by much: the found one is at least as good.
-    EXPECT_GE(found.score,
-              AlignmentScore(regions, truth, 6, found.background, found.pseudocounts) - 1e-9);
   }
 }
 
@@ -128,8 +190,8 @@ TEST(SiteSampler, UnknownLettersStayOutOfSites) {
     recovered += found.starts[r] == truth[r];
   }
   EXPECT_GE(recovered, 35);
-  const double plain =
-      AlignmentScore(regions, found.starts, 6, found.background, found.pseudocounts);
+  EXPECT_EQ(found.weights[5], 0.0);
+  const double plain = PlainScore(regions, found.starts, found, SiteModel::kZoops);
   EXPECT_NEAR(found.score, plain, 1e-9 * std::abs(plain));
 }
 
@@ -175,15 +237,25 @@ TEST(SiteSampler, HandComputedBackgroundScoreAndProfile) {
   const std::vector<std::int32_t> atStart{0, 0};
   EXPECT_NEAR(AlignmentScore(pair, atStart, 1, uniform, 2.0), 2 * std::log(2.5), 1e-12);
 
+  // Sites A, A, T of width 1 weighing 1, 1/2, 1/4, B = 2: total 2 + 1.75, so q/background is
+  // 4 (1.5 + 0.5) / 3.75 = 32/15 for A, 4 (0.25 + 0.5) / 3.75 = 4/5 for T, 8/15 for C and G.
+  // Means over the windows: (32/15 + 8/15) / 2 = 4/3 for AC and AG; 4/5 for NT, whose N is no
+  // window. With a share of 1/2: 2 ln(1/2 + 2/3) + ln(1/2 + 2/5).
+  const std::vector<std::vector<std::uint8_t>> mixed{Codes("AC"), Codes("AG"), Codes("NT")};
+  const std::vector<std::int32_t> mixedStarts{0, 0, 1};
+  const std::vector<double> weights{1.0, 0.5, 0.25};
+  EXPECT_NEAR(ZoopsScore(mixed, mixedStarts, weights, 1, uniform, 2.0, 0.5),
+              2 * std::log(7.0 / 6) + std::log(0.9), 1e-12);
+
   // Sites CG, AC, CG (width 2): columns A1 C2 and C1 G2, each (1/3) log2(4/3) + (2/3) log2(8/3)
   // bits; spacers 2, 0, 0 of the four a region of 5 allows.
   const std::vector<std::vector<std::uint8_t>> three{Codes("ACGTA"), Codes("GGTAC"),
                                                      Codes("TTTCG")};
   const std::vector<std::int32_t> starts{1, 3, 3};
-  const MotifProfile profile = ProfileOf(three, starts, 2, uniform);
+  const MotifProfile profile = ProfileOf(three, starts, {}, 2, uniform);
   EXPECT_EQ(profile.consensus, "CG");
-  EXPECT_EQ(profile.counts[0], (std::array<std::int64_t, 4>{1, 2, 0, 0}));
-  EXPECT_EQ(profile.counts[1], (std::array<std::int64_t, 4>{0, 1, 2, 0}));
+  EXPECT_EQ(profile.counts[0], (std::array<double, 4>{1, 2, 0, 0}));
+  EXPECT_EQ(profile.counts[1], (std::array<double, 4>{0, 1, 2, 0}));
   const double column = std::log2(4.0 / 3) / 3 + 2 * std::log2(8.0 / 3) / 3;
   EXPECT_NEAR(profile.information[0], column, 1e-12);
   EXPECT_NEAR(profile.totalInformation, 2 * column, 1e-12);
@@ -192,6 +264,20 @@ TEST(SiteSampler, HandComputedBackgroundScoreAndProfile) {
   EXPECT_EQ(profile.sites, 3);
   const double entropy = -(2.0 / 3 * std::log(2.0 / 3) + 1.0 / 3 * std::log(1.0 / 3));
   EXPECT_NEAR(profile.spacerEvenness, entropy / std::log(4.0), 1e-12);
+
+  // The same sites weighing 1, 1/2 and 1/4: the letters count with their weights, and the
+  // spacers only of the sites of weight 1/2 or more. Columns A 0.5 C 1.25 and C 0.5 G 1.25.
+  const std::vector<double> weights3{1.0, 0.5, 0.25};
+  const MotifProfile weighted = ProfileOf(three, starts, weights3, 2, uniform);
+  EXPECT_EQ(weighted.consensus, "CG");
+  EXPECT_EQ(weighted.counts[0], (std::array<double, 4>{0.5, 1.25, 0, 0}));
+  EXPECT_EQ(weighted.counts[1], (std::array<double, 4>{0, 0.5, 1.25, 0}));
+  const double weightedColumn = 2 * std::log2(8.0 / 7) / 7 + 5 * std::log2(20.0 / 7) / 7;
+  EXPECT_NEAR(weighted.information[1], weightedColumn, 1e-12);
+  EXPECT_NEAR(weighted.totalInformation, 2 * weightedColumn, 1e-12);
+  EXPECT_EQ(weighted.spacers, (std::vector<std::int64_t>{1, 0, 1, 0}));
+  EXPECT_EQ(weighted.sites, 2);
+  EXPECT_NEAR(weighted.spacerEvenness, std::log(2.0) / std::log(4.0), 1e-12);
 }
 
 }  // namespace
