@@ -3,8 +3,9 @@
 # curated E. coli genes of examples/ (genetrain --pre_start), with the same motif width: the
 # consensus of each, the share of regions whose sites are the same or overlap, wall and CPU
 # seconds and their ratio, and the cost on the regions repeated four times (linearity). Then
-# the report of genefind motif on the archaeon Methanobacterium thermoautotrophicum, whose
-# genes have little Shine-Dalgarno signal, when its GenBank file is installed (Debian cct).
+# the report of genefind motif on the archaea Methanobacterium thermoautotrophicum, whose genes
+# have little Shine-Dalgarno signal, and Thermococcus kodakaraensis, when their GenBank files
+# are installed (Debian cct).
 #
 #   make bench                              (runs this after the other benchmarks)
 #   bash bench/motif_bench.sh [BUILD_DIR]
@@ -73,13 +74,15 @@ if [ "$(echo "$ourCpu > 0" | bc)" = 1 ]; then
     "$(echo "$ourCpu4 / $ourCpu" | bc -l)"
 fi
 
-weak=/usr/share/doc/cct/examples/sample_projects/sample_project_2/reference_genome/Methanobacterium_thermoautotrophicum.gbk.gz
-if [ -e "$weak" ]; then
+cct=/usr/share/doc/cct/examples/sample_projects/sample_project_2
+for weak in "$cct/reference_genome/Methanobacterium_thermoautotrophicum.gbk.gz" \
+  "$cct/comparison_genomes/Thermococcus_kodakaraensis.gbk.gz"; do
+  [ -e "$weak" ] || continue
   "$build/genefind" convert -q -o weak.genes "$weak"
   gzip -dc "$weak" | awk '/^ORIGIN/ { on = 1; print ">genome"; next } /^\/\// { on = 0 }
     on { gsub(/[^A-Za-z]/, ""); print toupper($0) }' > weak.fa
   "$build/genetrain" --pre_start weak.up --par "$root/examples/ecoli.par" --seq weak.fa \
     --geneset weak.genes --PRE_START_WIDTH 20
-  echo "genefind motif on M. thermoautotrophicum ($(grep -c '^>' weak.up) regions):"
+  echo "genefind motif on $(basename "$weak" .gbk.gz) ($(grep -c '^>' weak.up) regions):"
   "$build/genefind" motif -w "$width" -o /dev/null weak.up 2>&1 | sed 's/^/  /'
-fi
+done
