@@ -150,7 +150,7 @@ void AddMotif(CLI::App& app, CommandLine& line) {
       ->type_name("X")
       ->check(CLI::Range(0.0, 1e9));
   motif
-      ->add_option("--model", line.motifModel,
+      ->add_option("--sites", line.motifModel,
                    "zoops: a region holds a site or none, and each site counts in the matrix "
                    "with the posterior that its region holds one; oops: every region holds one, "
                    "every site counts fully")
