@@ -3,7 +3,8 @@
 # and the 64 % GC bacterium that Debian's cct-examples package ships as GenBank files (their
 # submitters' annotations, 33-64 % GC, 1.7-9.1 Mb). For each genome the CDS features become the
 # gene set (genefind convert), genetrain --mkmod builds a model from it with examples/ecoli.par
-# (plain, and with the fixed-motif RBS sections), and the script prints, against the annotation,
+# (plain, with the fixed-motif RBS sections, and with those of genefind motif's sites through
+# --gibbs), and the script prints, against the annotation,
 # 3'-end sensitivity, precision and start agreement of genefind and of Prodigal, then genefind's
 # agreement with Prodigal's calls (Prodigal taken as the reference).
 #
@@ -53,14 +54,20 @@ for file in sample_project_2/comparison_genomes/Methanococcus_maripaludis.gbk.gz
   "$build/genetrain" --mkmod "$work/rbs.mod" --par "$root/examples/ecoli.par" \
     --seq "$genome" --geneset "$genes" \
     --pre_start x --fixmotif 1 --PRE_START_WIDTH 20 --width 23 > /dev/null
-  for model in plain rbs; do
+  "$build/genetrain" --pre_start "$work/upstream.fa" --par "$root/examples/ecoli.par" \
+    --seq "$genome" --geneset "$genes" --PRE_START_WIDTH 20 --PRE_START_RELATIVE_POS 0 > /dev/null
+  "$build/genefind" motif -o "$work/sites.out" "$work/upstream.fa" 2>&1 | grep consensus
+  cp "$work/plain.mod" "$work/motif.mod"
+  "$build/genetrain" --gibbs "$work/sites.out" --seq "$work/upstream.fa" --mod "$work/motif.mod" \
+    > /dev/null
+  for model in plain rbs motif; do
     "$build/genefind" predict -q -m "$work/$model.mod" -o "$work/$model.gff" "$genome"
     accuracy "$genes" "$work/$model.gff" "genefind ($model model)"
   done
   if command -v prodigal > /dev/null; then
     prodigal -q -i "$genome" -f gff -o "$work/prodigal.gff"
     accuracy "$genes" "$work/prodigal.gff" prodigal
-    for model in plain rbs; do
+    for model in plain rbs motif; do
       accuracy "$work/prodigal.gff" "$work/$model.gff" "genefind ($model model) against prodigal"
     done
   fi
