@@ -24,8 +24,15 @@ void WriteAll(std::FILE* stream, std::string_view text) {
   }
 }
 
+namespace {
+std::atomic<std::FILE*> noteStream{nullptr};  // null: standard output
+}  // namespace
+
+void SetNoteStream(std::FILE* stream) { noteStream = stream; }
+
 void WriteStdout(std::string_view text) {
-  WriteAll(stdout, text);
+  std::FILE* stream = noteStream.load();
+  WriteAll(stream != nullptr ? stream : stdout, text);
 }
 
 namespace {

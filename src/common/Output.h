@@ -12,8 +12,13 @@ namespace genetrain {
 // the kernel takes faster than one giant request.
 void WriteAll(std::FILE* stream, std::string_view text);
 
-// Writes the text to standard output.
+// Writes the text to standard output (or to the note stream below).
 void WriteStdout(std::string_view text);
+
+// Where WriteStdout goes: standard output unless a program sets another stream. genefind sends
+// the core's notes (warnings of the training steps) to standard error, since its own output may
+// be on standard output.
+void SetNoteStream(std::FILE* stream);
 
 enum class OutputMode {
   kReplace,  // the file is created or replaced whole

@@ -135,4 +135,12 @@ bool RunConvert(const ConvertOptions& options) {
   return WriteFile(options.output == "-" ? std::string() : options.output, output);
 }
 
+bool LoadAnnotation(const std::string& input, Annotation& annotation) {
+  ConvertOptions options;
+  options.input = input;
+  const std::string source = input == "-" ? std::string("standard input") : "file <" + input + ">";
+  std::string text;
+  return LoadText(input, text) && ReadAnnotation(options, text, source, annotation);
+}
+
 }  // namespace genetrain

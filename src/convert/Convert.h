@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "convert/Annotation.h"
+
 namespace genetrain {
 
 enum class GeneFormat {
@@ -21,6 +23,11 @@ struct ConvertOptions {
 // The convert command: reads a GFF3, GenBank or gene-set file and writes its CDS as a gene set
 // or as GFF3. False, with the message printed, on any failure; the output is then not written.
 bool RunConvert(const ConvertOptions& options);
+
+// Reads the CDS of a GFF3, GenBank or gene-set file ("-": standard input) into `annotation`; a
+// gene set's record takes the file's name without extensions. False, with the message printed,
+// when the file cannot be read or is no annotation.
+bool LoadAnnotation(const std::string& input, Annotation& annotation);
 
 }  // namespace genetrain
 

@@ -7,10 +7,12 @@
 #include <new>
 #include <string>
 
+#include "common/Output.h"
 #include "convert/Convert.h"
 #include "driver/Usage.h"
 #include "genefind/MotifCommand.h"
 #include "genefind/PredictCommand.h"
+#include "genefind/TrainCommand.h"
 
 namespace genetrain {
 
@@ -18,7 +20,7 @@ namespace {
 
 constexpr int kUsageStatus = 2;
 
-enum class Command { kNone, kConvert, kPredict, kMotif };
+enum class Command { kNone, kConvert, kPredict, kMotif, kTrain, kRun };
 
 struct CommandLine {
   Command command = Command::kNone;
@@ -30,6 +32,9 @@ struct CommandLine {
   std::string motifFormat = "motif";
   std::string motifModel = "zoops";
   double motifPseudocounts = -1.0;  // below 0: the sampler's own choice
+  TrainCommandOptions train;
+  RunCommandOptions run;
+  std::string runFormat = "gff";
 };
 
 void AddConvert(CLI::App& app, CommandLine& line) {
@@ -183,6 +188,97 @@ void AddMotif(CLI::App& app, CommandLine& line) {
   motif->callback([&line] { line.command = Command::kMotif; });
 }
 
+// The training options that train and run share.
+void AddTrainingOptions(CLI::App* command, TrainCommandOptions& options) {
+  command
+      ->add_option("-g,--genes", options.genes,
+                   "Train on these genes instead of finding them: a six-column gene set, GFF3 or "
+                   "GenBank (as genefind convert reads), gzip or plain; records are matched by "
+                   "name")
+      ->type_name("FILE");
+  command
+      ->add_option("--code", options.geneticCode,
+                   "Genetic code: 11 (bacteria, archaea) or 4 (TGA read as tryptophan, as in "
+                   "Mycoplasma); 0 detects it")
+      ->type_name("N")
+      ->check(CLI::IsMember({0, 4, 11}))
+      ->capture_default_str();
+  command
+      ->add_option("--order", options.order,
+                   "Order of the Markov chains, 1 to 8; 0 chooses by the genome's size (5 from "
+                   "1 Mb, 4 from 300 kb, else 3)")
+      ->type_name("N")
+      ->check(CLI::Range(0, 8))
+      ->capture_default_str();
+  command
+      ->add_option("--rounds", options.maxRounds,
+                   "Rounds of training at most, without -g; training ends earlier when fewer "
+                   "than 1 % of the genes change")
+      ->type_name("N")
+      ->check(CLI::Range(2, 100))
+      ->capture_default_str();
+  command->add_flag(
+      "--no-motif", [&options](std::int64_t) { options.motif = false; },
+      "No RBS motif: the model has no RBS sections");
+  command
+      ->add_option("--seed", options.seed,
+                   "Seed of the motif sampler's random numbers; a seed gives the same model")
+      ->type_name("N")
+      ->capture_default_str();
+  command
+      ->add_option("--log", options.log,
+                   "Write what each round changed to this file instead of standard error")
+      ->type_name("FILE");
+}
+
+void AddTrain(CLI::App& app, CommandLine& line) {
+  CLI::App* train = app.add_subcommand(
+      "train",
+      "Train a model of a genome (FASTA, gzip or plain; a draft's records together), without "
+      "annotation or from its genes (-g), in genetrain's model format.");
+  train->add_option("-o,--output", line.train.output, "Model file, written whole or not at all")
+      ->type_name("FILE")
+      ->required();
+  AddTrainingOptions(train, line.train);
+  train->add_flag("-q,--quiet", line.train.quiet, "No report of the rounds on standard error");
+  train->add_option("GENOME", line.train.input, "FASTA file of the genome, gzip or plain")
+      ->type_name("FILE")
+      ->required();
+  train->callback([&line] { line.command = Command::kTrain; });
+}
+
+void AddRun(CLI::App& app, CommandLine& line) {
+  CLI::App* run = app.add_subcommand(
+      "run",
+      "From a genome to its genes: train a model (as genefind train), then predict with it (as "
+      "genefind predict).");
+  PredictOptions& predict = line.run.predict;
+  run->add_option("-o,--output", predict.output,
+                  "Output file, written whole or not at all (default: standard output)")
+      ->type_name("FILE");
+  run->add_option("-f,--format", line.runFormat,
+                  "Output format: gff (GFF3) or genes (the six-column gene set; one record only)")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"gff", "genes"}))
+      ->capture_default_str();
+  run->add_option("--proteins", predict.proteins, "Also write the genes' translations as FASTA")
+      ->type_name("FILE");
+  run->add_option("--nucleotides", predict.nucleotides, "Also write the genes' bases as FASTA")
+      ->type_name("FILE");
+  run->add_option("--model-out", line.run.train.output, "Keep the trained model in this file")
+      ->type_name("FILE");
+  run->add_option("-t,--threads", predict.threads, "Threads for the prediction")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
+  AddTrainingOptions(run, line.run.train);
+  run->add_flag("-q,--quiet", predict.quiet, "No report of the rounds, no progress");
+  run->add_option("GENOME", predict.input, "FASTA file of the genome, gzip or plain")
+      ->type_name("FILE")
+      ->required();
+  run->callback([&line] { line.command = Command::kRun; });
+}
+
 bool IsCommand(CLI::App& app, std::string_view word) {
   const auto named = [word](CLI::App* command) { return command->get_name() == word; };
   return !app.get_subcommands(named).empty();
@@ -201,6 +297,8 @@ int Parse(int argc, const char* const* argv, CommandLine& line) {
   AddConvert(app, line);
   AddPredict(app, line);
   AddMotif(app, line);
+  AddTrain(app, line);
+  AddRun(app, line);
   // Set after the commands, which would otherwise inherit it.
   app.footer("Run 'genefind COMMAND --help' for the options of a command.");
   if (argc > 1 && argv[1][0] != '-' && !IsCommand(app, argv[1])) {
@@ -224,6 +322,8 @@ int Parse(int argc, const char* const* argv, CommandLine& line) {
 }  // namespace
 
 int RunGenefind(int argc, const char* const* argv) {
+  // The core's training notes are genetrain's output; here the output may be on standard output.
+  SetNoteStream(stderr);
   CommandLine line;
   const int status = Parse(argc, argv, line);
   if (status >= 0) return status;
@@ -241,6 +341,11 @@ int RunGenefind(int argc, const char* const* argv) {
       if (line.motifPseudocounts >= 0.0) line.motif.sampler.pseudocounts = line.motifPseudocounts;
       line.motif.sampler.model = line.motifModel == "oops" ? SiteModel::kOops : SiteModel::kZoops;
       return RunMotif(line.motif) ? 0 : 1;
+    }
+    if (line.command == Command::kTrain) return RunTrain(line.train) ? 0 : 1;
+    if (line.command == Command::kRun) {
+      line.run.predict.format = line.runFormat == "genes" ? GeneFormat::kGenes : GeneFormat::kGff;
+      return RunRun(line.run) ? 0 : 1;
     }
   } catch (const std::bad_alloc&) {
     std::fputs("error: out of memory\n", stderr);

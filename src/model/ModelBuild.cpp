@@ -93,36 +93,6 @@ bool TrainNonCoding(MkChain& chain, Param& param, Estimate estimate, Gc gcOf) {
   return true;
 }
 
-// A start codon whose option reads as zero is no start: its entry repeats the option's text.
-void SetStartEntries(Report& report, const StartCodonEstimate& estimate, std::uint32_t precision,
-                     const std::vector<std::string>& startTexts) {
-  std::size_t next = 0;
-  ForEachStartSection([&](const ModelSection& section, unsigned codon) {
-    std::string value = startTexts[next++];
-    if (std::atof(value.c_str()) != 0) {
-      value.clear();
-      AppendFixedPoint(value, estimate.start_probs[codon], precision);
-    }
-    SetSection(report, section, std::move(value));
-  });
-}
-
-// The COD1, COD2 and NONC entries; COD2 repeats COD1 without a second coding chain. False, with
-// the message printed and no entry set, when the chains' precision cannot be printed.
-bool SetChainEntries(Report& report, const MkChain& coding, const MkChain* second,
-                     const MkChain& nonCoding) {
-  const std::optional<std::string> codingText = coding.ToText();
-  if (!codingText) return false;
-  std::optional<std::string> secondText = second != nullptr ? second->ToText() : codingText;
-  if (!secondText) return false;
-  std::optional<std::string> nonCodingText = nonCoding.ToText();
-  if (!nonCodingText) return false;
-  SetSection(report, Section("COD1"), *codingText);
-  SetSection(report, Section("COD2"), std::move(*secondText));
-  SetSection(report, Section("NONC"), std::move(*nonCodingText));
-  return true;
-}
-
 // Each chain reads its settings as it is made and is checked at once, so that the messages keep
 // their order (a malformed setting is reported once per chain) and a failure is the last of them.
 bool BuildFromGenome(Report& report, Param& param, const MkmodOptions& options) {
@@ -199,6 +169,36 @@ bool BuildFromFiles(Report& report, Param& param, const MkmodOptions& options) {
 }
 
 }  // namespace
+
+// A start codon whose option reads as zero is no start: its entry repeats the option's text.
+void SetStartEntries(Report& report, const StartCodonEstimate& estimate, std::uint32_t precision,
+                     const std::vector<std::string>& startTexts) {
+  std::size_t next = 0;
+  ForEachStartSection([&](const ModelSection& section, unsigned codon) {
+    std::string value = startTexts[next++];
+    if (std::atof(value.c_str()) != 0) {
+      value.clear();
+      AppendFixedPoint(value, estimate.start_probs[codon], precision);
+    }
+    SetSection(report, section, std::move(value));
+  });
+}
+
+// The COD1, COD2 and NONC entries; COD2 repeats COD1 without a second coding chain. False, with
+// the message printed and no entry set, when the chains' precision cannot be printed.
+bool SetChainEntries(Report& report, const MkChain& coding, const MkChain* second,
+                     const MkChain& nonCoding) {
+  const std::optional<std::string> codingText = coding.ToText();
+  if (!codingText) return false;
+  std::optional<std::string> secondText = second != nullptr ? second->ToText() : codingText;
+  if (!secondText) return false;
+  std::optional<std::string> nonCodingText = nonCoding.ToText();
+  if (!nonCodingText) return false;
+  SetSection(report, Section("COD1"), *codingText);
+  SetSection(report, Section("COD2"), std::move(*secondText));
+  SetSection(report, Section("NONC"), std::move(*nonCodingText));
+  return true;
+}
 
 double GcFraction(const std::vector<CodeSeq>& sequences) {
   SSeq::Tally tally;

@@ -10,6 +10,7 @@
 #include "common/Report.h"
 #include "genes/GeneSet.h"
 #include "genes/Genome.h"
+#include "model/MkChain.h"
 #include "seq/VSeq.h"
 
 namespace genetrain {
@@ -26,6 +27,17 @@ struct StartCodonEstimate {
 StartCodonEstimate EstimateStartCodons(const std::vector<CodeSeq>& cod1,
                                        const std::vector<CodeSeq>& cod2,
                                        const CodonSet& startCodons, std::int64_t pseudocount);
+
+// The start codon entries of a model: the estimated probability of each start codon, at the
+// given precision, except that a codon whose setting text reads as zero is no start and keeps
+// that text. `startTexts` holds the settings of ATG_, GTG_, TTG_ and CTG_ in file order.
+void SetStartEntries(Report& report, const StartCodonEstimate& estimate, std::uint32_t precision,
+                     const std::vector<std::string>& startTexts);
+
+// The COD1, COD2 and NONC entries; COD2 repeats COD1 without a second coding chain. False, with
+// the message printed and no entry set, when the chains' precision cannot be printed.
+bool SetChainEntries(Report& report, const MkChain& coding, const MkChain* second,
+                     const MkChain& nonCoding);
 
 // The (C + G) / (A + C + G + T) fraction of coded sequences; 0 without any of these letters.
 double GcFraction(const std::vector<CodeSeq>& sequences);

@@ -77,10 +77,12 @@ class Gibbs : public Report {
   std::int32_t width = 0;
   std::int32_t durationLength = 0;  // region length, then the number of spacer values
 
+  // Appends the RBS sections of the built matrix and spacers to the model file options.model.
+  bool WriteModel(const GibbsOptions& options);
+
  private:
   bool CheckWidth(const std::string& name);
   bool WriteEmptyNotice(const GibbsOptions& options);
-  bool WriteModel(const GibbsOptions& options);
   bool WriteLog(const GibbsOptions& options);
 
   // One line that may hold a site: `tokens` holds `count` tokens, `full` says whether both

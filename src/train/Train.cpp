@@ -1,0 +1,247 @@
+// Unsupervised and supervised training of a model. See docs/genefind.md, "train".
+
+#include "train/Train.h"
+
+#include <unistd.h>
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <map>
+#include <set>
+
+#include "common/Message.h"
+#include "predict/GeneModel.h"
+#include "seq/LetterTables.h"
+
+namespace genetrain {
+
+namespace {
+
+CodonSet StopsOf(int geneticCode) {
+  CodonSet stops{kCodonTAA, kCodonTAG};
+  if (geneticCode != 4) stops.Add(kCodonTGA);
+  return stops;
+}
+
+constexpr CodonSet kStarts{kCodonATG, kCodonGTG, kCodonTTG};
+
+// The open reading frames of one strand's sequence from the first start codon after a stop to
+// the next stop, of at least minLength bases, in that strand's coordinates [begin, end).
+void StrandOrfs(std::span<const std::uint8_t> seq, const CodonSet& stops, const CodonSet& starts,
+                std::int64_t minLength, std::vector<std::pair<std::int64_t, std::int64_t>>& out) {
+  const auto n = static_cast<std::int64_t>(seq.size());
+  for (std::int64_t frame = 0; frame < 3; ++frame) {
+    std::int64_t start = -1;
+    bool afterStop = false;  // an ORF that runs in from the sequence start is not whole
+    for (std::int64_t c = frame; c + 3 <= n; c += 3) {
+      const auto i = static_cast<std::size_t>(c);
+      if (!IsBase(seq[i]) || !IsBase(seq[i + 1]) || !IsBase(seq[i + 2])) {
+        start = -1;
+        afterStop = false;
+        continue;
+      }
+      const unsigned codon = CodonIndex(seq[i], seq[i + 1], seq[i + 2]);
+      if (stops[codon]) {
+        if (start >= 0 && c + 3 - start >= minLength) out.emplace_back(start, c + 3);
+        start = -1;
+        afterStop = true;
+      } else if (start < 0 && afterStop && starts[codon]) {
+        start = c;
+      }
+    }
+  }
+}
+
+// The first gene set: the long open reading frames, longest first, each kept when it shares at
+// most 60 bases with those kept before. Most long ORFs of a prokaryote are genes, so the chains
+// estimated from them already tell coding from non-coding; the rounds that follow clean them of
+// the rest. The length bar drops until the set holds enough genes to fill a chain.
+std::vector<TrainingGene> LongOrfs(const TrainingGenome& genome, int geneticCode) {
+  const CodonSet stops = StopsOf(geneticCode);
+  std::vector<TrainingGene> kept;
+  for (const std::int64_t minLength : {900, 600, 450, 300}) {
+    std::vector<TrainingGene> orfs;
+    std::vector<std::pair<std::int64_t, std::int64_t>> found;
+    for (std::size_t r = 0; r < genome.Records().size(); ++r) {
+      const std::vector<std::uint8_t>& record = genome.Records()[r];
+      const auto n = static_cast<std::int64_t>(record.size());
+      const std::int64_t offset = genome.Offset(r);
+      found.clear();
+      StrandOrfs(record, stops, kStarts, minLength, found);
+      for (const auto& [b, e] : found)
+        orfs.push_back({offset + b, offset + e - 1, Strand::kDirect});
+      std::vector<std::uint8_t> reverse = record;
+      ReverseComplement(reverse);
+      found.clear();
+      StrandOrfs(reverse, stops, kStarts, minLength, found);
+      for (const auto& [b, e] : found) {
+        orfs.push_back({offset + n - e, offset + n - 1 - b, Strand::kReverse});
+      }
+    }
+    std::sort(orfs.begin(), orfs.end(), [](const TrainingGene& a, const TrainingGene& b) {
+      return a.right - a.left > b.right - b.left;
+    });
+    std::map<std::int64_t, std::int64_t> byLeft;  // kept genes: left -> right
+    kept.clear();
+    for (const TrainingGene& orf : orfs) {
+      auto next = byLeft.lower_bound(orf.left);
+      const bool clashRight = next != byLeft.end() && next->first <= orf.right - 60;
+      const bool clashLeft = next != byLeft.begin() && std::prev(next)->second >= orf.left + 60;
+      if (clashRight || clashLeft) continue;
+      byLeft.emplace(orf.left, orf.right);
+      kept.push_back(orf);
+    }
+    if (kept.size() >= 200) break;
+  }
+  std::sort(kept.begin(), kept.end(),
+            [](const TrainingGene& a, const TrainingGene& b) { return a.left < b.left; });
+  return kept;
+}
+
+std::vector<std::vector<PredictedGene>> PredictAll(const TrainingGenome& genome,
+                                                   const GeneModel& model) {
+  std::vector<std::vector<PredictedGene>> byRecord;
+  const PredictSettings settings;
+  for (const std::vector<std::uint8_t>& record : genome.Records()) {
+    byRecord.push_back(PredictGenes(model, record, settings));
+  }
+  return byRecord;
+}
+
+std::int64_t StopKey(const TrainingGene& gene) {
+  return gene.strand == Strand::kDirect ? 2 * gene.right : 2 * gene.left + 1;
+}
+
+// The share of `now` whose stop codon `before` does not hold, or of `before` that `now` lost,
+// whichever is larger.
+double Changed(const std::vector<TrainingGene>& before, const std::vector<TrainingGene>& now) {
+  if (before.empty() || now.empty()) return 1.0;
+  std::set<std::int64_t> stops;
+  for (const TrainingGene& gene : before) stops.insert(StopKey(gene));
+  std::int64_t shared = 0;
+  for (const TrainingGene& gene : now) shared += stops.count(StopKey(gene));
+  const auto larger = static_cast<double>(std::max(before.size(), now.size()));
+  return 1.0 - static_cast<double>(shared) / larger;
+}
+
+std::int64_t CodingBases(const std::vector<TrainingGene>& genes) {
+  std::int64_t bases = 0;
+  for (const TrainingGene& gene : genes) bases += gene.right - gene.left + 1;
+  return bases;
+}
+
+// One round: the model of `genes` written to `path` and read back, and the genes it predicts.
+bool Round(const TrainingGenome& genome, const std::vector<TrainingGene>& genes,
+           const ModelSettings& settings, const MotifSettings* motif, const std::string& path,
+           ModelBuildReport& report, std::vector<TrainingGene>& predicted) {
+  GeneModel model;
+  if (!BuildModel(genome, genes, settings, motif, path, report) || !LoadGeneModel(path, model)) {
+    return false;
+  }
+  const std::vector<std::vector<PredictedGene>> byRecord = PredictAll(genome, model);
+  predicted = JoinedGenes(genome, byRecord);
+  return true;
+}
+
+std::string ScratchModel(const TrainOptions& options, std::string_view what) {
+  return options.scratch + "/genefind-train-" + std::to_string(::getpid()) + "-" +
+         std::string(what) + ".mod";
+}
+
+}  // namespace
+
+int OrderFor(std::int64_t bases) {
+  if (bases < 300000) return 3;
+  if (bases < 1000000) return 4;
+  return 5;
+}
+
+bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options,
+                       const std::string& path, TrainResult& result,
+                       const std::function<void(const TrainRound&)>& onRound) {
+  ModelSettings settings = options.model;
+  if (settings.order <= 0) settings.order = OrderFor(genome.Bases());
+  result = TrainResult{};
+  result.order = settings.order;
+  const std::string scratch = ScratchModel(options, "round");
+
+  // The genetic code: a code-4 genome read with code 11 breaks its genes at every TGA, so that
+  // far less of it reads as coding than with code 4; a code-11 genome read with code 4 keeps
+  // its genes, only a little longer.
+  std::vector<TrainingGene> genes;
+  std::vector<TrainingGene> predicted;
+  ModelBuildReport report;
+  if (options.geneticCode == 0) {
+    double share[2] = {0, 0};
+    std::vector<TrainingGene> calls[2];
+    const int codes[2] = {11, 4};
+    for (int k = 0; k < 2; ++k) {
+      settings.geneticCode = codes[k];
+      if (!Round(genome, LongOrfs(genome, codes[k]), settings, nullptr, scratch, report,
+                 calls[k])) {
+        std::remove(scratch.c_str());
+        return false;
+      }
+      share[k] = static_cast<double>(CodingBases(calls[k])) / static_cast<double>(genome.Bases());
+    }
+    const bool code4 = share[1] > share[0] + 0.1;
+    settings.geneticCode = code4 ? 4 : 11;
+    char note[160];
+    std::snprintf(note, sizeof note,
+                  "genetic code %d: coding share %.3f with code 11, %.3f with code 4",
+                  settings.geneticCode, share[0], share[1]);
+    result.codeNote = note;
+    genes = calls[code4 ? 1 : 0];
+  } else {
+    settings.geneticCode = options.geneticCode;
+    if (!Round(genome, LongOrfs(genome, settings.geneticCode), settings, nullptr, scratch, report,
+               genes)) {
+      std::remove(scratch.c_str());
+      return false;
+    }
+    result.codeNote = "genetic code " + std::to_string(settings.geneticCode) + ": as given";
+  }
+  result.geneticCode = settings.geneticCode;
+  TrainRound first{"initial", static_cast<std::int64_t>(genes.size()), report.codingGenes, 1.0, ""};
+  result.rounds.push_back(first);
+  onRound(first);
+
+  // Coding rounds until the gene set settles, then rounds with the motif.
+  bool motifStage = false;
+  for (int round = 1; round < options.maxRounds; ++round) {
+    const MotifSettings* motif = motifStage ? &options.motif : nullptr;
+    if (!Round(genome, genes, settings, motif, scratch, report, predicted)) {
+      std::remove(scratch.c_str());
+      return false;
+    }
+    TrainRound done{motifStage ? "motif" : "coding", static_cast<std::int64_t>(predicted.size()),
+                    report.codingGenes, Changed(genes, predicted),
+                    motifStage ? report.motif.consensus : std::string()};
+    result.rounds.push_back(done);
+    onRound(done);
+    genes = std::move(predicted);
+    if (done.changed < options.stableShare) {
+      if (motifStage || !options.withMotif) break;
+      motifStage = true;
+    }
+  }
+  std::remove(scratch.c_str());
+  result.genes = static_cast<std::int64_t>(genes.size());
+  const MotifSettings* motif = options.withMotif ? &options.motif : nullptr;
+  return BuildModel(genome, genes, settings, motif, path, result.last);
+}
+
+bool TrainSupervised(const TrainingGenome& genome, const std::vector<TrainingGene>& genes,
+                     const TrainOptions& options, const std::string& path, TrainResult& result) {
+  ModelSettings settings = options.model;
+  if (settings.order <= 0) settings.order = OrderFor(genome.Bases());
+  settings.geneticCode = options.geneticCode == 0 ? 11 : options.geneticCode;
+  result = TrainResult{};
+  result.order = settings.order;
+  result.geneticCode = settings.geneticCode;
+  result.genes = static_cast<std::int64_t>(genes.size());
+  const MotifSettings* motif = options.withMotif ? &options.motif : nullptr;
+  return BuildModel(genome, genes, settings, motif, path, result.last);
+}
+
+}  // namespace genetrain
