@@ -143,6 +143,15 @@ bool Round(const TrainingGenome& genome, const std::vector<TrainingGene>& genes,
   return true;
 }
 
+// Code 4 is tried below this coding share under code 11, and chosen when it covers this much
+// more of the genome.
+constexpr double kCodeFourTrial = 0.8;
+constexpr double kCodeFourGain = 0.1;
+
+// Rounds with the motif: the first finds it in the upstream regions of genes called without one,
+// whose starts it then moves.
+constexpr int kMotifRounds = 2;
+
 std::string ScratchModel(const TrainOptions& options, std::string_view what) {
   return options.scratch + "/genefind-train-" + std::to_string(::getpid()) + "-" +
          std::string(what) + ".mod";
@@ -165,41 +174,51 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
   result.order = settings.order;
   const std::string scratch = ScratchModel(options, "round");
 
-  // The genetic code: a code-4 genome read with code 11 breaks its genes at every TGA, so that
-  // far less of it reads as coding than with code 4; a code-11 genome read with code 4 keeps
-  // its genes, only a little longer.
+  // The genetic code. A code-4 genome read with code 11 breaks its genes at every TGA, so that
+  // far less of it reads as coding than with code 4; a code-11 genome read with code 4 keeps its
+  // genes, only a little longer. Code 4 is tried only when code 11 leaves less than
+  // kCodeFourTrial of the genome coding: where TGA is rare inside genes, the codes call the same
+  // genes anyway.
   std::vector<TrainingGene> genes;
   std::vector<TrainingGene> predicted;
   ModelBuildReport report;
-  if (options.geneticCode == 0) {
-    double share[2] = {0, 0};
-    std::vector<TrainingGene> calls[2];
-    const int codes[2] = {11, 4};
-    for (int k = 0; k < 2; ++k) {
-      settings.geneticCode = codes[k];
-      if (!Round(genome, LongOrfs(genome, codes[k]), settings, nullptr, scratch, report,
-                 calls[k])) {
-        std::remove(scratch.c_str());
-        return false;
-      }
-      share[k] = static_cast<double>(CodingBases(calls[k])) / static_cast<double>(genome.Bases());
-    }
-    const bool code4 = share[1] > share[0] + 0.1;
-    settings.geneticCode = code4 ? 4 : 11;
-    char note[160];
-    std::snprintf(note, sizeof note,
-                  "genetic code %d: coding share %.3f with code 11, %.3f with code 4",
-                  settings.geneticCode, share[0], share[1]);
+  settings.geneticCode = options.geneticCode == 0 ? 11 : options.geneticCode;
+  if (!Round(genome, LongOrfs(genome, settings.geneticCode), settings, nullptr, scratch, report,
+             genes)) {
+    std::remove(scratch.c_str());
+    return false;
+  }
+  const double share11 =
+      static_cast<double>(CodingBases(genes)) / static_cast<double>(genome.Bases());
+  char note[200];
+  if (options.geneticCode != 0) {
+    result.codeNote = "genetic code " + std::to_string(settings.geneticCode) + ": as given";
+  } else if (share11 >= kCodeFourTrial) {
+    std::snprintf(note, sizeof note, "genetic code 11: %.3f of the genome reads as coding",
+                  share11);
     result.codeNote = note;
-    genes = calls[code4 ? 1 : 0];
   } else {
-    settings.geneticCode = options.geneticCode;
-    if (!Round(genome, LongOrfs(genome, settings.geneticCode), settings, nullptr, scratch, report,
-               genes)) {
+    ModelSettings four = settings;
+    four.geneticCode = 4;
+    std::vector<TrainingGene> calls;
+    ModelBuildReport fourReport;
+    if (!Round(genome, LongOrfs(genome, 4), four, nullptr, scratch, fourReport, calls)) {
       std::remove(scratch.c_str());
       return false;
     }
-    result.codeNote = "genetic code " + std::to_string(settings.geneticCode) + ": as given";
+    const double share4 =
+        static_cast<double>(CodingBases(calls)) / static_cast<double>(genome.Bases());
+    const bool code4 = share4 > share11 + kCodeFourGain;
+    if (code4) {
+      settings = four;
+      genes = std::move(calls);
+      report = fourReport;
+    }
+    std::snprintf(note, sizeof note,
+                  "genetic code %d: %.3f of the genome reads as coding with code 11, %.3f with "
+                  "code 4",
+                  settings.geneticCode, share11, share4);
+    result.codeNote = note;
   }
   result.geneticCode = settings.geneticCode;
   TrainRound first{"initial", static_cast<std::int64_t>(genes.size()), report.codingGenes, 1.0, ""};
@@ -208,6 +227,8 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
 
   // Coding rounds until the gene set settles, then rounds with the motif.
   bool motifStage = false;
+  bool lastComplete = false;  // the scratch model is that of the last genes' round, motif included
+  int motifRounds = 0;
   for (int round = 1; round < options.maxRounds; ++round) {
     const MotifSettings* motif = motifStage ? &options.motif : nullptr;
     if (!Round(genome, genes, settings, motif, scratch, report, predicted)) {
@@ -220,13 +241,22 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
     result.rounds.push_back(done);
     onRound(done);
     genes = std::move(predicted);
-    if (done.changed < options.stableShare) {
-      if (motifStage || !options.withMotif) break;
+    lastComplete = motifStage || !options.withMotif;
+    motifRounds += motifStage ? 1 : 0;
+    if (done.changed < options.stableShare || motifStage) {
+      if (lastComplete && motifRounds >= kMotifRounds) break;
       motifStage = true;
     }
   }
-  std::remove(scratch.c_str());
   result.genes = static_cast<std::int64_t>(genes.size());
+  // The last round's model, which called these genes, is the result when it was complete (with
+  // the motif, when one is wanted); otherwise the model of the last genes is built.
+  if (lastComplete) {
+    result.last = report;
+    const bool moved = std::rename(scratch.c_str(), path.c_str()) == 0;
+    if (moved) return true;
+  }
+  std::remove(scratch.c_str());
   const MotifSettings* motif = options.withMotif ? &options.motif : nullptr;
   return BuildModel(genome, genes, settings, motif, path, result.last);
 }

@@ -66,7 +66,7 @@ GeneSet ToGeneSet(std::span<const TrainingGene> genes) {
 }
 
 // The coding and non-coding chains and the start codon probabilities, into the report.
-bool SetTrainedEntries(Report& report, Param& param, const Genome& genome,
+bool SetTrainedEntries(Report& report, Param& param, const Genome& genome, const Genome& sureStarts,
                        const GenomeSettings& genomeSettings, int order) {
   MkChain coding(order, 3, ReadChainSettings(param, order, 3));
   if (!coding.Valid() || !coding.Estimate(genome.cod1)) return false;
@@ -76,8 +76,9 @@ bool SetTrainedEntries(Report& report, Param& param, const Genome& genome,
   if (!nonCoding.Estimate(genome.non) || !SetChainEntries(report, coding, nullptr, nonCoding)) {
     return false;
   }
-  const StartCodonEstimate starts = EstimateStartCodons(
-      genome.cod1, genome.cod2, genomeSettings.start_codons, genomeSettings.start_pseudocounts);
+  const StartCodonEstimate starts =
+      EstimateStartCodons(sureStarts.cod1, sureStarts.cod2, genomeSettings.start_codons,
+                          genomeSettings.start_pseudocounts);
   std::vector<std::string> startTexts;
   for (const char* key : {"--ATG_", "--GTG_", "--TTG_", "--CTG_"}) {
     startTexts.push_back(param.ValueOrEmpty(key));
@@ -150,8 +151,8 @@ std::vector<TrainingGene> JoinedGenes(const TrainingGenome& genome,
   for (std::size_t r = 0; r < byRecord.size(); ++r) {
     const std::int64_t offset = genome.Offset(r);
     for (const PredictedGene& gene : byRecord[r]) {
-      genes.push_back(
-          {gene.left + offset, gene.right + offset, gene.strand, gene.openLeft, gene.openRight});
+      genes.push_back({gene.left + offset, gene.right + offset, gene.strand, gene.openLeft,
+                       gene.openRight, gene.confidence});
     }
   }
   std::sort(genes.begin(), genes.end(), [](const TrainingGene& a, const TrainingGene& b) {
@@ -174,12 +175,24 @@ bool BuildModel(const TrainingGenome& genome, std::span<const TrainingGene> gene
   training.ExtractNonCoding(seq, set);
   report = ModelBuildReport{};
   report.codingGenes = static_cast<std::int64_t>(training.cod1.size());
+  // The genes with sure starts, for the start codons and the motif.
+  std::vector<TrainingGene> sure;
+  for (const TrainingGene& gene : genes) {
+    if (gene.confidence >= kStartConfidence) sure.push_back(gene);
+  }
+  const bool allSure = sure.size() == genes.size();
+  const GeneSet sureSet = allSure ? GeneSet() : ToGeneSet(sure);
+  Genome sureStarts(genomeSettings);
+  if (!allSure) sureStarts.ExtractCoding(seq, sureSet, 0, 0);
   Report model;
-  if (!SetTrainedEntries(model, param, training, genomeSettings, settings.order) ||
+  if (!SetTrainedEntries(model, param, training, allSure ? training : sureStarts, genomeSettings,
+                         settings.order) ||
       !WriteModel(model, param, path)) {
     return false;
   }
-  return motif == nullptr || AppendMotif(seq, set, training, *motif, path, report);
+  if (motif == nullptr) return true;
+  return allSure ? AppendMotif(seq, set, training, *motif, path, report)
+                 : AppendMotif(seq, sureSet, sureStarts, *motif, path, report);
 }
 
 }  // namespace genetrain

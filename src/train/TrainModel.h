@@ -38,11 +38,18 @@ struct TrainingGene {
   std::int64_t left = 0, right = 0;
   Strand strand = Strand::kDirect;
   bool openLeft = false, openRight = false;
+  // Percent, from the prediction; a gene given by the user is certain.
+  double confidence = 100.0;
 };
 
 // The genes of every record in joined coordinates, sorted by left end.
 std::vector<TrainingGene> JoinedGenes(const TrainingGenome& genome,
                                       std::span<const std::vector<PredictedGene>> byRecord);
+
+// Start codon probabilities and the RBS motif come from the genes whose start is at least this
+// sure: in self-training the uncertain starts drift towards the commonest codons of the sequence
+// (TTG in E. coli), and each round would teach the next one more of them.
+inline constexpr double kStartConfidence = 90.0;
 
 struct ModelSettings {
   std::string name = "genefind";
