@@ -267,10 +267,6 @@ void AddRun(CLI::App& app, CommandLine& line) {
       ->type_name("FILE");
   run->add_option("--model-out", line.run.train.output, "Keep the trained model in this file")
       ->type_name("FILE");
-  run->add_option("-t,--threads", predict.threads, "Threads for the prediction")
-      ->type_name("N")
-      ->check(CLI::Range(1, 1024))
-      ->capture_default_str();
   AddTrainingOptions(run, line.run.train);
   run->add_flag("-q,--quiet", predict.quiet, "No report of the rounds, no progress");
   run->add_option("GENOME", predict.input, "FASTA file of the genome, gzip or plain")

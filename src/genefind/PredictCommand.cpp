@@ -22,6 +22,7 @@
 #include "predict/Writers.h"
 #include "seq/FastaBlocks.h"
 #include "seq/FastaScanner.h"
+#include "seq/RecordId.h"
 
 namespace genetrain {
 
@@ -41,25 +42,85 @@ struct RecordText {
   std::int64_t bases = 0;
 };
 
+RecordText TextOf(const std::string& id, std::span<const std::uint8_t> codes,
+                  const std::vector<PredictedGene>& genes, const PredictOptions& options,
+                  int geneticCode) {
+  RecordText text;
+  text.bases = static_cast<std::int64_t>(codes.size());
+  if (options.format == GeneFormat::kGff) {
+    AppendGff3Record(text.main, id, text.bases, genes);
+  } else {
+    AppendGeneSet(text.main, id, genes);
+  }
+  if (!options.proteins.empty()) AppendProteins(text.proteins, id, codes, genes, geneticCode);
+  if (!options.nucleotides.empty()) AppendNucleotides(text.nucleotides, id, codes, genes);
+  return text;
+}
+
 RecordText PredictRecord(const GeneModel& model, const PredictSettings& settings,
                          const PredictOptions& options, RecordJob& job) {
   std::vector<std::uint8_t> codes;
   AppendCodes(job.body, codes);
   std::string().swap(job.body);
-  const std::vector<PredictedGene> genes = PredictGenes(model, codes, settings);
-  RecordText text;
-  text.bases = static_cast<std::int64_t>(codes.size());
-  if (options.format == GeneFormat::kGff) {
-    AppendGff3Record(text.main, job.id, text.bases, genes);
-  } else {
-    AppendGeneSet(text.main, job.id, genes);
-  }
-  if (!options.proteins.empty()) {
-    AppendProteins(text.proteins, job.id, codes, genes, model.geneticCode);
-  }
-  if (!options.nucleotides.empty()) AppendNucleotides(text.nucleotides, job.id, codes, genes);
-  return text;
+  return TextOf(job.id, codes, PredictGenes(model, codes, settings), options, model.geneticCode);
 }
+
+// The output files of a run: the main output (GFF3 with its header, or a gene set, held to the
+// end, where a second record makes it an error) and the optional FASTA files, each committed
+// whole at the end.
+class PredictionOutputs {
+ public:
+  explicit PredictionOutputs(const PredictOptions& options) : options_(options) {}
+  bool Open() {
+    return main_.Open(Name(options_.output)) &&
+           (options_.proteins.empty() || proteins_.Open(Name(options_.proteins))) &&
+           (options_.nucleotides.empty() || nucleotides_.Open(Name(options_.nucleotides)));
+  }
+  void Add(const RecordText& text) {
+    Start();
+    if (GeneSet()) {
+      held_.append(text.main);
+    } else {
+      main_.Write(text.main);
+    }
+    if (!options_.proteins.empty()) proteins_.Write(text.proteins);
+    if (!options_.nucleotides.empty()) nucleotides_.Write(text.nucleotides);
+  }
+  // False, with the message printed, for a gene set of several records, or a failed write.
+  bool Finish(std::size_t records) {
+    if (GeneSet() && records > 1) {
+      std::fprintf(stderr,
+                   "error: file <%s> holds %zu records and a gene set describes one: use -f "
+                   "gff\n",
+                   options_.input.c_str(), records);
+      return false;
+    }
+    Start();
+    main_.Write(held_);
+    bool committed = main_.Commit();
+    if (!options_.proteins.empty()) committed = proteins_.Commit() && committed;
+    if (!options_.nucleotides.empty()) committed = nucleotides_.Commit() && committed;
+    return committed;
+  }
+
+ private:
+  static std::string Name(const std::string& name) { return name == "-" ? std::string() : name; }
+  bool GeneSet() const { return options_.format == GeneFormat::kGenes; }
+  // Nothing goes out before the first record is predicted, so that a FASTA file that cannot be
+  // read leaves standard output empty.
+  void Start() {
+    if (started_) return;
+    started_ = true;
+    if (GeneSet()) return;
+    std::string header;
+    AppendGff3Header(header);
+    main_.Write(header);
+  }
+  const PredictOptions& options_;
+  OutputFile main_, proteins_, nucleotides_;
+  bool started_ = false;
+  std::string held_;
+};
 
 // Records done and bases per second, rewritten in place on a terminal a few times a second.
 class Progress {
@@ -207,30 +268,16 @@ class RecordSink {
     ++records_;
     job_ = RecordJob{};
     job_.index = records_ - 1;
-    idDone_ = false;
-    labelStart_ = true;
+    id_.Reset();
   }
-  void Label(std::string_view piece) {
-    if (labelStart_ && !piece.empty()) {
-      piece.remove_prefix(1);  // the ">"
-      labelStart_ = false;
-    }
-    for (const char byte : piece) {
-      if (idDone_) return;
-      if (IsSpace(byte)) {
-        idDone_ = !job_.id.empty();
-        continue;
-      }
-      job_.id.push_back(byte);
-    }
-  }
+  void Label(std::string_view piece) { id_.Add(piece); }
   void Body(std::string_view piece) {
     if (Skipping()) return;
     job_.body.append(piece);
   }
   void End() {
     if (Skipping()) return;
-    if (job_.id.empty()) job_.id = "seq" + std::to_string(records_);
+    job_.id = id_.Take(records_);
     pipeline_.Submit(std::move(job_));
   }
   std::size_t Records() const { return records_; }
@@ -240,8 +287,8 @@ class RecordSink {
   Pipeline& pipeline_;
   bool onlyFirst_;
   RecordJob job_;
+  RecordId id_;
   std::size_t records_ = 0;
-  bool idDone_ = false, labelStart_ = true;
 };
 
 // The FASTA reading of the streaming commands, standard input included.
@@ -251,10 +298,6 @@ bool ReadRecords(const std::string& name, RecordSink& sink) {
   return ReadFastaBlocks(input, kFastaBlockSize, sink);
 }
 
-std::string OutputName(const std::string& name) {
-  return name == "-" ? std::string() : name;
-}
-
 }  // namespace
 
 bool RunPredict(const PredictOptions& options) {
@@ -262,56 +305,30 @@ bool RunPredict(const PredictOptions& options) {
   if (!LoadGeneModel(options.model, model)) return false;
   PredictSettings settings;
   settings.maxNRun = options.maxNRun;
-
-  OutputFile main, proteins, nucleotides;
-  if (!main.Open(OutputName(options.output))) return false;
-  if (!options.proteins.empty() && !proteins.Open(OutputName(options.proteins))) return false;
-  if (!options.nucleotides.empty() && !nucleotides.Open(OutputName(options.nucleotides))) {
-    return false;
-  }
-  // Nothing goes out before the first record is predicted, so that a FASTA file that cannot be
-  // read leaves standard output empty; a gene set, one record at most, is held to the end, where
-  // a second record makes it an error.
-  const bool geneSet = options.format == GeneFormat::kGenes;
-  bool started = false;
-  std::string held;
-  const auto start = [&] {
-    if (started) return;
-    started = true;
-    if (geneSet) return;
-    std::string header;
-    AppendGff3Header(header);
-    main.Write(header);
-  };
+  PredictionOutputs outputs(options);
+  if (!outputs.Open()) return false;
   Progress progress(options.quiet);
   Pipeline pipeline(model, settings, options, [&](const RecordText& text) {
-    start();
-    if (geneSet) {
-      held.append(text.main);
-    } else {
-      main.Write(text.main);
-    }
-    if (!options.proteins.empty()) proteins.Write(text.proteins);
-    if (!options.nucleotides.empty()) nucleotides.Write(text.nucleotides);
+    outputs.Add(text);
     progress.Add(text.bases);
   });
-  RecordSink sink(pipeline, geneSet);
+  RecordSink sink(pipeline, options.format == GeneFormat::kGenes);
   const bool read = ReadRecords(options.input, sink);
   if (read) pipeline.Finish();
   progress.Finish();
-  if (!read) return false;
-  if (geneSet && sink.Records() > 1) {
-    std::fprintf(stderr,
-                 "error: file <%s> holds %zu records and a gene set describes one: use -f gff\n",
-                 options.input.c_str(), sink.Records());
-    return false;
+  return read && outputs.Finish(sink.Records());
+}
+
+bool WritePredictions(const PredictOptions& options, const std::vector<std::string>& ids,
+                      const std::vector<std::vector<std::uint8_t>>& records,
+                      const std::vector<std::vector<PredictedGene>>& genes, int geneticCode) {
+  PredictionOutputs outputs(options);
+  if (!outputs.Open()) return false;
+  const std::size_t count = options.format == GeneFormat::kGenes ? 1 : records.size();
+  for (std::size_t r = 0; r < std::min(count, records.size()); ++r) {
+    outputs.Add(TextOf(ids[r], records[r], genes[r], options, geneticCode));
   }
-  start();
-  main.Write(held);
-  bool committed = main.Commit();
-  if (!options.proteins.empty()) committed = proteins.Commit() && committed;
-  if (!options.nucleotides.empty()) committed = nucleotides.Commit() && committed;
-  return committed;
+  return outputs.Finish(records.size());
 }
 
 }  // namespace genetrain

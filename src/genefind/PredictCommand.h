@@ -3,6 +3,9 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
+
+#include "predict/Predict.h"
 
 #include "convert/Convert.h"
 
@@ -24,6 +27,12 @@ struct PredictOptions {
 // spread over the threads, written in input order. False, with the message printed, on any
 // failure; no output is then written.
 bool RunPredict(const PredictOptions& options);
+
+// The outputs of predict for genes already called on records held in memory (ids, base codes),
+// written as RunPredict writes them.
+bool WritePredictions(const PredictOptions& options, const std::vector<std::string>& ids,
+                      const std::vector<std::vector<std::uint8_t>>& records,
+                      const std::vector<std::vector<PredictedGene>>& genes, int geneticCode);
 
 }  // namespace genetrain
 

@@ -7,34 +7,44 @@
 #include <fstream>
 #include <sstream>
 
+#include "common/InputStream.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "convert/Convert.h"
+#include "predict/GeneModel.h"
+#include "seq/FastaBlocks.h"
 #include "seq/FastaScanner.h"
-#include "seq/SeqRecord.h"
+#include "seq/RecordId.h"
 #include "train/Train.h"
 
 namespace genetrain {
 
 namespace {
 
-std::string FirstWord(std::string_view label) {
-  if (!label.empty() && label.front() == '>') label.remove_prefix(1);
-  const std::size_t end = label.find_first_of(" \t\r");
-  return std::string(label.substr(0, end));
-}
+// Gathers each record of the FASTA splitter into the genome, as base codes.
+class GenomeSink {
+ public:
+  explicit GenomeSink(TrainingGenome& genome) : genome_(genome) {}
+  void Begin() {
+    ++records_;
+    codes_.clear();
+  }
+  void Label(std::string_view piece) { id_.Add(piece); }
+  void Body(std::string_view piece) { AppendCodes(piece, codes_); }
+  void End() { genome_.AddRecord(id_.Take(records_), std::move(codes_)); }
+
+ private:
+  TrainingGenome& genome_;
+  RecordId id_;
+  std::vector<std::uint8_t> codes_;
+  std::size_t records_ = 0;
+};
 
 bool ReadGenome(const std::string& path, TrainingGenome& genome) {
-  std::vector<SeqRecord> records;
-  if (!ReadFastaRecords(path, UpperLetterTable(), records)) return false;
-  for (SeqRecord& record : records) {
-    if (record.label.empty() && record.sequence.empty()) continue;
-    std::vector<std::uint8_t> codes;
-    AppendCodes(record.sequence, codes);
-    std::string().swap(record.sequence);
-    genome.AddRecord(FirstWord(record.label), std::move(codes));
-  }
-  return true;
+  InputStream input(stdin, "standard input");
+  if (path != "-" && !input.Open(path.c_str())) return false;
+  GenomeSink sink(genome);
+  return ReadFastaBlocks(input, kFastaBlockSize, sink);
 }
 
 // The annotation's genes in the genome's joined coordinates: each record of the annotation is
@@ -102,10 +112,7 @@ bool ReadWhole(const std::string& path, std::string& text) {
   return static_cast<bool>(file) || file.eof();
 }
 
-}  // namespace
-
-bool RunTrain(const TrainCommandOptions& options) {
-  TrainingGenome genome;
+bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResult& result) {
   if (!ReadGenome(options.input, genome)) return false;
   const std::string source =
       options.input == "-" ? std::string("standard input") : "file <" + options.input + ">";
@@ -132,15 +139,15 @@ bool RunTrain(const TrainCommandOptions& options) {
     log += line + "\n";
     if (!options.quiet && options.log.empty()) PrintError({line});
   };
-  TrainResult result;
   bool trained = false;
   if (!options.genes.empty()) {
     std::vector<TrainingGene> genes;
     trained = GenesOf(genome, options.genes, genes) &&
               TrainSupervised(genome, genes, train, scratchModel, result);
-    if (trained)
+    if (trained) {
       note("trained on " + std::to_string(result.last.codingGenes) + " of " +
            std::to_string(genes.size()) + " genes of " + options.genes);
+    }
   } else {
     std::size_t number = 0;
     trained = TrainUnsupervised(genome, train, scratchModel, result,
@@ -158,24 +165,45 @@ bool RunTrain(const TrainCommandOptions& options) {
                   result.last.motif.totalInformation, result.last.motif.commonSpacer);
     note(line);
   }
-  note("model " + options.output + ": order " + std::to_string(result.order) + ", code " +
-       std::to_string(result.geneticCode));
+  if (!options.output.empty()) {
+    note("model " + options.output + ": order " + std::to_string(result.order) + ", code " +
+         std::to_string(result.geneticCode));
+  }
   if (!options.log.empty() && !WriteFile(options.log, log)) return false;
-  return WriteFile(options.output, model);
+  result.modelText = std::move(model);
+  return options.output.empty() || WriteFile(options.output, result.modelText);
 }
 
+}  // namespace
+
+bool RunTrain(const TrainCommandOptions& options) {
+  TrainingGenome genome;
+  TrainResult result;
+  return Train(options, genome, result);
+}
+
+// The genome is read once: training keeps its records, and the last round of training already
+// called the genes with the model it wrote (otherwise they are called here).
 bool RunRun(RunCommandOptions options) {
-  const bool keep = !options.train.output.empty();
-  if (!keep) {
-    options.train.output = ScratchFolder() + "/genefind-run-" + std::to_string(::getpid()) + ".mod";
-  }
   options.train.input = options.predict.input;
   options.train.quiet = options.train.quiet || options.predict.quiet;
-  if (!RunTrain(options.train)) return false;
-  options.predict.model = options.train.output;
-  const bool predicted = RunPredict(options.predict);
-  if (!keep) std::remove(options.train.output.c_str());
-  return predicted;
+  TrainingGenome genome;
+  TrainResult result;
+  if (!Train(options.train, genome, result)) return false;
+  if (result.calls.size() != genome.Records().size()) {
+    const std::string scratch =
+        ScratchFolder() + "/genefind-run-" + std::to_string(::getpid()) + ".mod";
+    GeneModel model;
+    const bool loaded = WriteFile(scratch, result.modelText) && LoadGeneModel(scratch, model);
+    std::remove(scratch.c_str());
+    if (!loaded) return false;
+    result.calls.clear();
+    for (const std::vector<std::uint8_t>& record : genome.Records()) {
+      result.calls.push_back(PredictGenes(model, record, PredictSettings{}));
+    }
+  }
+  return WritePredictions(options.predict, genome.Ids(), genome.Records(), result.calls,
+                          result.geneticCode);
 }
 
 }  // namespace genetrain

@@ -133,13 +133,15 @@ std::int64_t CodingBases(const std::vector<TrainingGene>& genes) {
 // One round: the model of `genes` written to `path` and read back, and the genes it predicts.
 bool Round(const TrainingGenome& genome, const std::vector<TrainingGene>& genes,
            const ModelSettings& settings, const MotifSettings* motif, const std::string& path,
-           ModelBuildReport& report, std::vector<TrainingGene>& predicted) {
+           ModelBuildReport& report, std::vector<TrainingGene>& predicted,
+           std::vector<std::vector<PredictedGene>>* calls = nullptr) {
   GeneModel model;
   if (!BuildModel(genome, genes, settings, motif, path, report) || !LoadGeneModel(path, model)) {
     return false;
   }
-  const std::vector<std::vector<PredictedGene>> byRecord = PredictAll(genome, model);
+  std::vector<std::vector<PredictedGene>> byRecord = PredictAll(genome, model);
   predicted = JoinedGenes(genome, byRecord);
+  if (calls != nullptr) *calls = std::move(byRecord);
   return true;
 }
 
@@ -231,7 +233,7 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
   int motifRounds = 0;
   for (int round = 1; round < options.maxRounds; ++round) {
     const MotifSettings* motif = motifStage ? &options.motif : nullptr;
-    if (!Round(genome, genes, settings, motif, scratch, report, predicted)) {
+    if (!Round(genome, genes, settings, motif, scratch, report, predicted, &result.calls)) {
       std::remove(scratch.c_str());
       return false;
     }
@@ -251,10 +253,12 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
   result.genes = static_cast<std::int64_t>(genes.size());
   // The last round's model, which called these genes, is the result when it was complete (with
   // the motif, when one is wanted); otherwise the model of the last genes is built.
+  if (!lastComplete) result.calls.clear();
   if (lastComplete) {
     result.last = report;
     const bool moved = std::rename(scratch.c_str(), path.c_str()) == 0;
     if (moved) return true;
+    result.calls.clear();
   }
   std::remove(scratch.c_str());
   const MotifSettings* motif = options.withMotif ? &options.motif : nullptr;

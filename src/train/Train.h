@@ -38,6 +38,10 @@ struct TrainResult {
   std::int64_t genes = 0;
   ModelBuildReport last;
   std::string codeNote;  // how the genetic code was chosen
+  // The genes the written model calls on each record, when training already predicted them with
+  // it (the last round's); empty otherwise.
+  std::vector<std::vector<PredictedGene>> calls;
+  std::string modelText;  // the model file written
 };
 
 // The order of the chains for a genome of this many bases: 5, and lower for small genomes, whose
