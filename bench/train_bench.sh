@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# genefind run (training on the bare genome, then the gene calls) next to Prodigal's
+# single-genome mode, in one run:
+#   1. E. coli (examples/): accuracy against the curated set, wall and CPU time, peak memory and
+#      the wall ratio to Prodigal; the supervised model (train -g with the curated genes) for
+#      comparison; and the stability (two trainings give the same model file).
+#   2. The archaea and the 64 % GC bacterium of Debian's cct-examples (as in predict_genomes.sh):
+#      accuracy of each against the submitters' annotation, and genefind against Prodigal's calls.
+#   3. The cost against genome size: slices of 1 to 9.1 Mb of the 9.1 Mb genome.
+#
+#   make bench                          (runs this after the other scripts)
+#   bash bench/train_bench.sh [BUILD_DIR]
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-$root/build}
+genefind=$build/genefind
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+accuracy() { python3 "$root/bench/gene_accuracy.py" "$@"; }
+have_prodigal=0
+command -v prodigal > /dev/null && have_prodigal=1
+
+# Wall seconds, CPU seconds and peak kB of one command, into the variables wall, cpu and peak.
+measure() {
+  /usr/bin/time -f "%e %U %S %M" -o "$work/time" "$@"
+  read -r wall user system peak < "$work/time"
+  cpu=$(echo "$user + $system" | bc)
+}
+
+echo "== E. coli K-12 MG1655, no annotation given"
+gzip -dc "$root/examples/ecoli_mg1655.fasta.gz" > "$work/ecoli.fa"
+curated=$root/examples/ecoli_mg1655_curated.genes.gz
+measure "$genefind" run -q --model-out "$work/run.mod" -o "$work/run.gff" "$work/ecoli.fa"
+run_wall=$wall
+echo "genefind run: wall $wall s, cpu $cpu s, peak $((peak / 1024)) MB"
+accuracy "$curated" "$work/run.gff" "genefind run"
+"$genefind" train -q -o "$work/again.mod" "$work/ecoli.fa"
+# The model's NAME is the output file's name; everything else must be the same bytes.
+if cmp -s <(grep -v '^NAME ' "$work/run.mod") <(grep -v '^NAME ' "$work/again.mod"); then
+  echo "stability: two trainings give the same model file (but for its NAME)"
+else
+  echo "stability: WARNING, two trainings give different model files"
+fi
+"$genefind" train -q -g "$curated" -o "$work/supervised.mod" "$work/ecoli.fa"
+"$genefind" predict -q -m "$work/supervised.mod" -o "$work/supervised.gff" "$work/ecoli.fa"
+accuracy "$curated" "$work/supervised.gff" "genefind, model trained on the curated genes (-g)"
+if [ "$have_prodigal" = 1 ]; then
+  measure prodigal -q -i "$work/ecoli.fa" -f gff -o "$work/prodigal.gff"
+  echo "prodigal: wall $wall s, cpu $cpu s, peak $((peak / 1024)) MB"
+  accuracy "$curated" "$work/prodigal.gff" prodigal
+  printf 'wall ratio genefind run / prodigal: %.3f (target <= 0.5)\n' \
+    "$(echo "$run_wall / $wall" | bc -l)"
+fi
+
+examples=/usr/share/doc/cct/examples/sample_projects
+if [ ! -d "$examples" ]; then
+  echo "the cct-examples package is missing (apt-get install cct-examples): no other genomes"
+  exit 0
+fi
+genbank_fasta() {
+  gzip -dc "$1" | awk -v id="$2" 'BEGIN { print ">" id }
+    /^ORIGIN/ { inside = 1; next } /^\/\// { inside = 0 }
+    inside { gsub(/[0-9 ]/, ""); print toupper($0) }'
+}
+for file in sample_project_2/comparison_genomes/Methanococcus_maripaludis.gbk.gz \
+  sample_project_2/comparison_genomes/Methanosarcina_acetivorans.gbk.gz \
+  sample_project_2/comparison_genomes/Thermococcus_kodakaraensis.gbk.gz \
+  sample_project_2/reference_genome/Methanobacterium_thermoautotrophicum.gbk.gz \
+  sample_project_3/reference_genome/NC_004463.gbk.gz; do
+  name=$(basename "$file" .gbk.gz)
+  genome=$work/$name.fa genes=$work/$name.genes
+  genbank_fasta "$examples/$file" "$name" > "$genome"
+  "$genefind" convert -q -o "$genes" "$examples/$file"
+  echo "== $name, no annotation given"
+  measure "$genefind" run -q -o "$work/run.gff" "$genome"
+  echo "genefind run: wall $wall s, peak $((peak / 1024)) MB"
+  accuracy "$genes" "$work/run.gff" "genefind run"
+  if [ "$have_prodigal" = 1 ]; then
+    measure prodigal -q -i "$genome" -f gff -o "$work/prodigal.gff"
+    echo "prodigal: wall $wall s, peak $((peak / 1024)) MB"
+    accuracy "$genes" "$work/prodigal.gff" prodigal
+    accuracy "$work/prodigal.gff" "$work/run.gff" "genefind run against prodigal"
+  fi
+done
+
+echo "== cost against genome size (slices of NC_004463)"
+big=$work/NC_004463.fa
+grep -v '^>' "$big" | tr -d '\n' > "$work/big.txt"
+for mb in 1 2 4 7 9.1; do
+  bases=$(awk -v m="$mb" 'BEGIN { printf "%d", m * 1000000 }')
+  { echo ">slice"; head -c "$bases" "$work/big.txt" | fold -w 80; } > "$work/slice.fa"
+  measure "$genefind" run -q -o "$work/slice.gff" "$work/slice.fa"
+  line="$mb Mb: genefind run wall $wall s, peak $((peak / 1024)) MB"
+  if [ "$have_prodigal" = 1 ]; then
+    genefind_wall=$wall
+    measure prodigal -q -i "$work/slice.fa" -f gff -o "$work/slice.prodigal.gff"
+    line="$line; prodigal wall $wall s, peak $((peak / 1024)) MB; ratio $(printf '%.2f' \
+      "$(echo "$genefind_wall / $wall" | bc -l)")"
+  fi
+  echo "$line"
+done
