@@ -164,6 +164,10 @@ bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResu
                   result.last.motif.consensus.c_str(), static_cast<long long>(result.last.regions),
                   result.last.motif.totalInformation, result.last.motif.commonSpacer);
     note(line);
+  } else if (options.motif) {
+    note("no RBS motif: " + std::to_string(result.last.regions) +
+         " upstream regions of sure starts, fewer than the " + std::to_string(kMinMotifRegions) +
+         " a motif needs");
   }
   if (!options.output.empty()) {
     note("model " + options.output + ": order " + std::to_string(result.order) + ", code " +

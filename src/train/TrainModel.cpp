@@ -98,7 +98,10 @@ bool AppendMotif(const VSeq& seq, const GeneSet& set, Genome& genome, const Moti
     if (static_cast<int>(region.size()) == motif.upstream) regions.push_back(std::move(region));
   }
   report.regions = static_cast<std::int64_t>(regions.size());
-  if (regions.size() < 2 || motif.upstream < motif.sampler.width) return true;
+  if (static_cast<std::int64_t>(regions.size()) < kMinMotifRegions ||
+      motif.upstream < motif.sampler.width) {
+    return true;
+  }
   const SiteAlignment alignment = SampleSites(regions, motif.sampler);
   report.motif = ProfileOf(regions, alignment.starts, alignment.weights, motif.sampler.width,
                            alignment.background);

@@ -61,6 +61,10 @@ struct ModelSettings {
   int minNonCoding = 50;
 };
 
+// Below this many upstream regions a model gets no RBS sections: the motif the sampler finds in
+// a few dozen regions of 20 bases is mostly chance.
+inline constexpr std::int64_t kMinMotifRegions = 100;
+
 // The RBS part of a model: the sampler's sites in the upstream regions of the genes.
 struct MotifSettings {
   int upstream = 20;  // bases before the start codon
