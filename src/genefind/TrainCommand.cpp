@@ -117,8 +117,13 @@ bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResu
   const std::string source =
       options.input == "-" ? std::string("standard input") : "file <" + options.input + ">";
   TrainOptions train;
-  if (genome.Records().empty() || genome.Bases() < train.minBases) {
-    PrintError({"error: ", source, " holds ", std::to_string(genome.Bases()),
+  // The genome's own bases: Bases() also counts the unknown letters between two records.
+  std::int64_t bases = 0;
+  for (const std::vector<std::uint8_t>& record : genome.Records()) {
+    bases += static_cast<std::int64_t>(record.size());
+  }
+  if (bases < train.minBases) {
+    PrintError({"error: ", source, " holds ", std::to_string(bases),
                 " bases; genefind train needs at least ", std::to_string(train.minBases),
                 " (a genome or a draft of one)"});
     return false;
