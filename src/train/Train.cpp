@@ -149,6 +149,9 @@ bool Round(const TrainingGenome& genome, const std::vector<TrainingGene>& genes,
 // more of the genome.
 constexpr double kCodeFourTrial = 0.8;
 constexpr double kCodeFourGain = 0.1;
+// Nor is code 4 taken where even it leaves most of the sequence non-coding: that is no genome
+// whose genes TGA breaks (random sequence reads as "more coding" under any code with fewer stops).
+constexpr double kCodeFourLeast = 0.5;
 
 // Rounds with the motif: the first finds it in the upstream regions of genes called without one,
 // whose starts it then moves.
@@ -210,7 +213,7 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
     }
     const double share4 =
         static_cast<double>(CodingBases(calls)) / static_cast<double>(genome.Bases());
-    const bool code4 = share4 > share11 + kCodeFourGain;
+    const bool code4 = share4 > share11 + kCodeFourGain && share4 >= kCodeFourLeast;
     if (code4) {
       settings = four;
       genes = std::move(calls);
