@@ -198,7 +198,8 @@ local_time=$(($(date +%s) - start))
 # after the cut moved by 12 (dropping the N record would shift them back and change their bases).
 # half_used and under_half: slice_a with its genes and partial copies of them, which training
 # turns away, so that exactly half of the genes, or one gene fewer than half, are used.
-# empty: a FASTA without sequence. draft: lonely as two records, without gene set.
+# empty: a FASTA without sequence. draft: lonely as two records, without gene set. tiny: 2 kb of
+# slice_a without gene set, too little for genefind train.
 start=$(date +%s)
 mkdir more
 row_a=$(awk -F'\t' '$1 == "slice_a"' "$summary")
@@ -243,6 +244,7 @@ grep -v '^>' genomes/lonely.fasta | tr -d '\n' > lonely.txt
 } > more/draft.fasta
 rm lonely.txt
 : > more/empty.fasta
+{ head -n 1 genomes/slice_a.fasta; sed -n 2,26p genomes/slice_a.fasta; } > more/tiny.fasta
 cp genomes/slice_a.genes more/empty.genes
 partial_copies() { # count: the first count genes of slice_a, open at the left end
   head -n "$1" genomes/slice_a.genes | awk 'BEGIN { OFS = "\t" }
@@ -262,6 +264,9 @@ grep -F "$work/more/joined.fasta.gz holds 2 records" refused.log | grep -q "Spli
 grep -F "$work/more/joined.fasta.gz holds 2 records" refused.log | grep -q "join_contigs: true" || fail "the message does not name join_contigs"
 grep -qF "$work/more/joined.fasta.gz holds 2 records" more-out/logs/joined.unpack.log || fail "the message is not in joined.unpack.log"
 grep -qF "$work/more/empty.fasta holds no sequence" refused.log || fail "no message naming empty.fasta"
+grep -q "holds 2000 bases; genefind train needs at least 20000" more-out/logs/tiny.train.log ||
+  fail "tiny.train.log does not say why tiny was refused"
+[ ! -e more-out/models/tiny.mod ] || fail "a model of tiny was made"
 [ ! -e more-out/models/joined.mod ] || fail "a model of joined was made without join_contigs"
 [ ! -e more-out/summary.tsv ] || fail "a summary was made although genomes were refused"
 ls more-out/joined/unpack.* > /dev/null 2>&1 && fail "unpack left its scratch files"
@@ -272,7 +277,7 @@ done
 # join_contigs.
 grep -q "kept 2 records, 300000 bases" more-out/logs/draft.unpack.log || fail "draft.unpack.log does not tell its records"
 
-rm more/empty.*
+rm more/empty.* more/tiny.fasta
 timeout -k 10 600 snakemake -s "$repo/workflow/Snakefile" --directory "$work" --configfile config.yaml \
   --config genomes="$work/more" results="$work/more-out" join_contigs=true --cores 2 > joined.log 2>&1 ||
   { tail -30 joined.log >&2; fail "the workflow failed with join_contigs=true (joined.log)"; }
