@@ -17,35 +17,21 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build}
-examples=/usr/share/doc/cct/examples/sample_projects
-if [ ! -d "$examples" ] && [ "$(id -u)" = 0 ] && command -v apt-get > /dev/null; then
-  apt-get install -y -qq cct-examples > /dev/null 2>&1 || true
-fi
-if [ ! -d "$examples" ]; then
+# shellcheck source=bench/lib/cct_genomes.sh
+source "$root/bench/lib/cct_genomes.sh"
+if ! cct_examples_present; then
   echo "predict_genomes: the cct-examples package is missing (apt-get install cct-examples)"
   exit 0
 fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# The ORIGIN section of a GenBank file as FASTA.
-genbank_fasta() {
-  gzip -dc "$1" | awk -v id="$2" 'BEGIN { print ">" id }
-    /^ORIGIN/ { inside = 1; next } /^\/\// { inside = 0 }
-    inside { gsub(/[0-9 ]/, ""); print toupper($0) }'
-}
-
 accuracy() { python3 "$root/bench/gene_accuracy.py" "$@"; }
 
-for file in sample_project_2/comparison_genomes/Methanococcus_maripaludis.gbk.gz \
-  sample_project_2/comparison_genomes/Methanosarcina_acetivorans.gbk.gz \
-  sample_project_2/comparison_genomes/Thermococcus_kodakaraensis.gbk.gz \
-  sample_project_2/reference_genome/Methanobacterium_thermoautotrophicum.gbk.gz \
-  sample_project_3/reference_genome/NC_004463.gbk.gz; do
+for file in "${CCT_GENOMES[@]}"; do
   name=$(basename "$file" .gbk.gz)
   genome=$work/$name.fa genes=$work/$name.genes
-  genbank_fasta "$examples/$file" "$name" > "$genome"
-  "$build/genefind" convert -q -o "$genes" "$examples/$file" 2> /dev/null
+  cct_genome "$build/genefind" "$file" "$name" "$genome" "$genes"
   gc=$(grep -v '>' "$genome" | tr -d '\n' | awk '{ n = length($0); g = gsub(/[GC]/, ""); \
     printf "%.1f %% GC, %.2f Mb", 100 * g / n, n / 1e6 }')
   echo "== $name ($gc, $(wc -l < "$genes") annotated CDS)"

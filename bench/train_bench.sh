@@ -52,25 +52,16 @@ if [ "$have_prodigal" = 1 ]; then
     "$(echo "$run_wall / $wall" | bc -l)"
 fi
 
-examples=/usr/share/doc/cct/examples/sample_projects
-if [ ! -d "$examples" ]; then
+# shellcheck source=bench/lib/cct_genomes.sh
+source "$root/bench/lib/cct_genomes.sh"
+if ! cct_examples_present; then
   echo "the cct-examples package is missing (apt-get install cct-examples): no other genomes"
   exit 0
 fi
-genbank_fasta() {
-  gzip -dc "$1" | awk -v id="$2" 'BEGIN { print ">" id }
-    /^ORIGIN/ { inside = 1; next } /^\/\// { inside = 0 }
-    inside { gsub(/[0-9 ]/, ""); print toupper($0) }'
-}
-for file in sample_project_2/comparison_genomes/Methanococcus_maripaludis.gbk.gz \
-  sample_project_2/comparison_genomes/Methanosarcina_acetivorans.gbk.gz \
-  sample_project_2/comparison_genomes/Thermococcus_kodakaraensis.gbk.gz \
-  sample_project_2/reference_genome/Methanobacterium_thermoautotrophicum.gbk.gz \
-  sample_project_3/reference_genome/NC_004463.gbk.gz; do
+for file in "${CCT_GENOMES[@]}"; do
   name=$(basename "$file" .gbk.gz)
   genome=$work/$name.fa genes=$work/$name.genes
-  genbank_fasta "$examples/$file" "$name" > "$genome"
-  "$genefind" convert -q -o "$genes" "$examples/$file"
+  cct_genome "$genefind" "$file" "$name" "$genome" "$genes"
   echo "== $name, no annotation given"
   measure "$genefind" run -q -o "$work/run.gff" "$genome"
   echo "genefind run: wall $wall s, peak $((peak / 1024)) MB"

@@ -8,56 +8,17 @@
 
 #include "common/InputStream.h"
 #include "common/Output.h"
-#include "seq/FastaBlocks.h"
+#include "seq/CodedRecords.h"
 #include "seq/FastaScanner.h"
 
 namespace genetrain {
 
 namespace {
 
-struct Regions {
-  std::vector<std::string> ids;
-  std::vector<std::vector<std::uint8_t>> codes;
-};
-
-// Keeps every record of the FASTA splitter: its id (the label's first word) and base codes.
-class RegionSink {
- public:
-  explicit RegionSink(Regions& regions) : regions_(regions) {}
-  void Begin() {
-    regions_.ids.emplace_back();
-    regions_.codes.emplace_back();
-    labelStart_ = true;
-    idDone_ = false;
-  }
-  void Label(std::string_view piece) {
-    if (labelStart_ && !piece.empty()) {
-      piece.remove_prefix(1);  // the ">"
-      labelStart_ = false;
-    }
-    std::string& id = regions_.ids.back();
-    for (const char byte : piece) {
-      if (idDone_) return;
-      if (IsSpace(byte)) {
-        idDone_ = !id.empty();
-        continue;
-      }
-      id.push_back(byte);
-    }
-  }
-  void Body(std::string_view piece) { AppendCodes(piece, regions_.codes.back()); }
-  void End() {}
-
- private:
-  Regions& regions_;
-  bool labelStart_ = true, idDone_ = false;
-};
+using Regions = CodedRecords;
 
 bool ReadRegions(const std::string& name, Regions& regions) {
-  InputStream input(stdin, "standard input");
-  if (name != "-" && !input.Open(name.c_str())) return false;
-  RegionSink sink(regions);
-  return ReadFastaBlocks(input, kFastaBlockSize, sink);
+  return ReadCodedRecords(name, regions);
 }
 
 // The sampler needs other sites to learn from, and --gibbs needs one region length: a spacer is

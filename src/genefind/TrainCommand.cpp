@@ -7,44 +7,24 @@
 #include <fstream>
 #include <sstream>
 
-#include "common/InputStream.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "convert/Convert.h"
 #include "predict/GeneModel.h"
-#include "seq/FastaBlocks.h"
-#include "seq/FastaScanner.h"
-#include "seq/RecordId.h"
+#include "seq/CodedRecords.h"
 #include "train/Train.h"
 
 namespace genetrain {
 
 namespace {
 
-// Gathers each record of the FASTA splitter into the genome, as base codes.
-class GenomeSink {
- public:
-  explicit GenomeSink(TrainingGenome& genome) : genome_(genome) {}
-  void Begin() {
-    ++records_;
-    codes_.clear();
-  }
-  void Label(std::string_view piece) { id_.Add(piece); }
-  void Body(std::string_view piece) { AppendCodes(piece, codes_); }
-  void End() { genome_.AddRecord(id_.Take(records_), std::move(codes_)); }
-
- private:
-  TrainingGenome& genome_;
-  RecordId id_;
-  std::vector<std::uint8_t> codes_;
-  std::size_t records_ = 0;
-};
-
 bool ReadGenome(const std::string& path, TrainingGenome& genome) {
-  InputStream input(stdin, "standard input");
-  if (path != "-" && !input.Open(path.c_str())) return false;
-  GenomeSink sink(genome);
-  return ReadFastaBlocks(input, kFastaBlockSize, sink);
+  CodedRecords records;
+  if (!ReadCodedRecords(path, records)) return false;
+  for (std::size_t r = 0; r < records.ids.size(); ++r) {
+    genome.AddRecord(std::move(records.ids[r]), std::move(records.codes[r]));
+  }
+  return true;
 }
 
 // The annotation's genes in the genome's joined coordinates: each record of the annotation is

@@ -4,6 +4,7 @@
 # same bytes for one thread and four (and through standard input) on the 156-contig draft.
 #   predict_real.sh GENEFIND GENETRAIN EXAMPLES_DIR BENCH_DIR
 set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 genefind=$(realpath "$1")
 genetrain=$(realpath "$2")
 examples=$(realpath "$3")
@@ -41,20 +42,9 @@ low=$(awk -F'\t' '$3 == "CDS" { match($9, /conf=[0-9.]+/); c = substr($9, RSTART
 # A gene runs from its start to the first stop of its frame: no translation holds a stop.
 if grep -v '^>' ecoli.faa | tr -d '\n' | grep -q '\*'; then fail "a protein holds a stop (*)"; fi
 
-if ! command -v gt > /dev/null && [ "$(id -u)" -eq 0 ] && command -v apt-get > /dev/null; then
-  echo "installing genometools"
-  apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends genometools \
-    > /dev/null
-fi
-if command -v gt > /dev/null; then
-  gt gff3validator ecoli.gff > validator.txt 2>&1 || {
-    cat validator.txt >&2
-    fail "gt gff3validator rejects the GFF3 of predict"
-  }
-else
-  echo "gt (genometools) is missing: GFF3 validation skipped"
-fi
+# shellcheck source=tests/e2e/gff3_valid.sh
+source "$here/gff3_valid.sh"
+gff3_valid ecoli.gff predict
 
 # Records predicted side by side come out in input order, byte for byte as with one thread.
 contigs=$examples/ecoli_mg1655_contigs.fasta.gz

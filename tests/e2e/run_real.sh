@@ -8,6 +8,7 @@
 # - --log holds one line per round, and nothing goes to standard error instead.
 #   run_real.sh GENEFIND GENETRAIN EXAMPLES_DIR BENCH_DIR
 set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 genefind=$(realpath "$1")
 genetrain=$(realpath "$2")
 examples=$(realpath "$3")
@@ -100,18 +101,7 @@ for small in small draft; do
   grep -qx 'ORDM 3' "$small.mod" || fail "a 20,000-base genome is not trained with order 3"
 done
 
-if ! command -v gt > /dev/null && [ "$(id -u)" -eq 0 ] && command -v apt-get > /dev/null; then
-  echo "installing genometools"
-  apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends genometools \
-    > /dev/null
-fi
-if command -v gt > /dev/null; then
-  gt gff3validator run.gff > validator.txt 2>&1 || {
-    cat validator.txt >&2
-    fail "gt gff3validator rejects the GFF3 of run"
-  }
-else
-  echo "gt (genometools) is missing: GFF3 validation skipped"
-fi
+# shellcheck source=tests/e2e/gff3_valid.sh
+source "$here/gff3_valid.sh"
+gff3_valid run.gff run
 echo "run_real: ok"
