@@ -116,6 +116,7 @@ bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResu
   train.withMotif = options.motif;
   train.motif.sampler.seed = options.seed;
   train.scratch = ScratchFolder();
+  train.source = source;
   const std::string scratchModel =
       train.scratch + "/genefind-train-" + std::to_string(::getpid()) + ".mod";
 

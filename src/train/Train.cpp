@@ -145,6 +145,9 @@ bool Round(const TrainingGenome& genome, const std::vector<TrainingGene>& genes,
   return true;
 }
 
+// A genome of 20 kb holds a dozen or more such ORFs; fewer cannot fill even a chain of order 3.
+constexpr std::size_t kLeastStartGenes = 5;
+
 // Code 4 is tried below this coding share under code 11, and chosen when it covers this much
 // more of the genome.
 constexpr double kCodeFourTrial = 0.8;
@@ -188,8 +191,14 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
   std::vector<TrainingGene> predicted;
   ModelBuildReport report;
   settings.geneticCode = options.geneticCode == 0 ? 11 : options.geneticCode;
-  if (!Round(genome, LongOrfs(genome, settings.geneticCode), settings, nullptr, scratch, report,
-             genes)) {
+  const std::vector<TrainingGene> start = LongOrfs(genome, settings.geneticCode);
+  if (start.size() < kLeastStartGenes) {
+    PrintError({"error: ", options.source, " holds ", std::to_string(start.size()),
+                " open reading frames of 300 bases or more, too few to start training from (",
+                std::to_string(kLeastStartGenes), " needed): is it the DNA of a prokaryote?"});
+    return false;
+  }
+  if (!Round(genome, start, settings, nullptr, scratch, report, genes)) {
     std::remove(scratch.c_str());
     return false;
   }

@@ -20,7 +20,8 @@ struct TrainOptions {
   // round before.
   double stableShare = 0.01;
   std::int64_t minBases = 20000;
-  std::string scratch;  // folder for the models of the rounds
+  std::string scratch;                // folder for the models of the rounds
+  std::string source = "the genome";  // names the input in messages: "file <genome.fa>"
 };
 
 // What each round did, for the log.

@@ -244,9 +244,10 @@ TEST(TrainSynthetic, UnsupervisedTrainingFindsThePlantedGenesAsTheirOwnModelDoes
   const std::vector<TrainRound>& rounds = trained.result.rounds;
   ASSERT_FALSE(rounds.empty());
   EXPECT_EQ(rounds.front().stage, "initial");
-  EXPECT_LE(rounds.size(), static_cast<std::size_t>(TrainOptions{}.maxRounds));
-  if (rounds.size() < static_cast<std::size_t>(TrainOptions{}.maxRounds)) {
-    EXPECT_LT(rounds.back().changed, TrainOptions{}.stableShare);
+  const TrainOptions defaults;
+  EXPECT_LE(rounds.size(), static_cast<std::size_t>(defaults.maxRounds));
+  if (rounds.size() < static_cast<std::size_t>(defaults.maxRounds)) {
+    EXPECT_LT(rounds.back().changed, defaults.stableShare);
   }
 
   const Accuracy found = Measure(trained.path, genome, {});
