@@ -1,12 +1,9 @@
 #include "genefind/TrainCommand.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
+#include "common/FileBuf.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "convert/Convert.h"
@@ -84,24 +81,27 @@ std::string ScratchFolder() {
   return error ? std::string(".") : folder.string();
 }
 
-bool ReadWhole(const std::string& path, std::string& text) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream buffer;
-  buffer << file.rdbuf();
-  text = buffer.str();
-  return static_cast<bool>(file) || file.eof();
+// The genes the model file calls on every record, for a training that did not call them with
+// the model it kept (from a gene set).
+bool CallGenes(const std::string& modelPath, const TrainingGenome& genome, TrainResult& result) {
+  GeneModel model;
+  if (!LoadGeneModel(modelPath, model)) return false;
+  result.calls.clear();
+  for (const std::vector<std::uint8_t>& record : genome.Records()) {
+    result.calls.push_back(PredictGenes(model, record, PredictSettings{}));
+  }
+  return true;
 }
 
-bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResult& result) {
+// Trains, writes the model and the log; with `callGenes`, result.calls holds the genes the model
+// calls on every record.
+bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResult& result,
+           bool callGenes) {
   if (!ReadGenome(options.input, genome)) return false;
   const std::string source =
       options.input == "-" ? std::string("standard input") : "file <" + options.input + ">";
   TrainOptions train;
-  // The genome's own bases: Bases() also counts the unknown letters between two records.
-  std::int64_t bases = 0;
-  for (const std::vector<std::uint8_t>& record : genome.Records()) {
-    bases += static_cast<std::int64_t>(record.size());
-  }
+  const std::int64_t bases = genome.Bases();
   if (bases < train.minBases) {
     PrintError({"error: ", source, " holds ", std::to_string(bases),
                 " bases; genefind train needs at least ", std::to_string(train.minBases),
@@ -117,8 +117,7 @@ bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResu
   train.motif.sampler.seed = options.seed;
   train.scratch = ScratchFolder();
   train.source = source;
-  const std::string scratchModel =
-      train.scratch + "/genefind-train-" + std::to_string(::getpid()) + ".mod";
+  const std::string scratchModel = ScratchFile(train.scratch, "model");
 
   std::string log;
   const auto note = [&](const std::string& line) {
@@ -140,8 +139,11 @@ bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResu
                                 [&](const TrainRound& r) { note(RoundLine(++number, r)); });
     if (trained) note(result.codeNote);
   }
-  std::string model;
-  if (trained) trained = ReadWhole(scratchModel, model);
+  FileBuf model;
+  if (trained) trained = model.Load(scratchModel.c_str());
+  if (trained && callGenes && result.calls.size() != genome.Records().size()) {
+    trained = CallGenes(scratchModel, genome, result);
+  }
   std::remove(scratchModel.c_str());
   if (!trained) return false;
   if (!result.last.motif.consensus.empty()) {
@@ -160,8 +162,7 @@ bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResu
          std::to_string(result.geneticCode));
   }
   if (!options.log.empty() && !WriteFile(options.log, log)) return false;
-  result.modelText = std::move(model);
-  return options.output.empty() || WriteFile(options.output, result.modelText);
+  return options.output.empty() || WriteFile(options.output, model.View());
 }
 
 }  // namespace
@@ -169,29 +170,17 @@ bool Train(const TrainCommandOptions& options, TrainingGenome& genome, TrainResu
 bool RunTrain(const TrainCommandOptions& options) {
   TrainingGenome genome;
   TrainResult result;
-  return Train(options, genome, result);
+  return Train(options, genome, result, false);
 }
 
 // The genome is read once: training keeps its records, and the last round of training already
-// called the genes with the model it wrote (otherwise they are called here).
+// called the genes with the model it kept (otherwise Train calls them).
 bool RunRun(RunCommandOptions options) {
   options.train.input = options.predict.input;
   options.train.quiet = options.train.quiet || options.predict.quiet;
   TrainingGenome genome;
   TrainResult result;
-  if (!Train(options.train, genome, result)) return false;
-  if (result.calls.size() != genome.Records().size()) {
-    const std::string scratch =
-        ScratchFolder() + "/genefind-run-" + std::to_string(::getpid()) + ".mod";
-    GeneModel model;
-    const bool loaded = WriteFile(scratch, result.modelText) && LoadGeneModel(scratch, model);
-    std::remove(scratch.c_str());
-    if (!loaded) return false;
-    result.calls.clear();
-    for (const std::vector<std::uint8_t>& record : genome.Records()) {
-      result.calls.push_back(PredictGenes(model, record, PredictSettings{}));
-    }
-  }
+  if (!Train(options.train, genome, result, true)) return false;
   return WritePredictions(options.predict, genome.Ids(), genome.Records(), result.calls,
                           result.geneticCode);
 }

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "common/Message.h"
+#include "genes/Orf.h"
 #include "predict/GeneModel.h"
 #include "seq/LetterTables.h"
 
@@ -25,65 +26,37 @@ CodonSet StopsOf(int geneticCode) {
 
 constexpr CodonSet kStarts{kCodonATG, kCodonGTG, kCodonTTG};
 
-// The open reading frames of one strand's sequence from the first start codon after a stop to
-// the next stop, of at least minLength bases, in that strand's coordinates [begin, end).
-void StrandOrfs(std::span<const std::uint8_t> seq, const CodonSet& stops, const CodonSet& starts,
-                std::int64_t minLength, std::vector<std::pair<std::int64_t, std::int64_t>>& out) {
-  const auto n = static_cast<std::int64_t>(seq.size());
-  for (std::int64_t frame = 0; frame < 3; ++frame) {
-    std::int64_t start = -1;
-    bool afterStop = false;  // an ORF that runs in from the sequence start is not whole
-    for (std::int64_t c = frame; c + 3 <= n; c += 3) {
-      const auto i = static_cast<std::size_t>(c);
-      if (!IsBase(seq[i]) || !IsBase(seq[i + 1]) || !IsBase(seq[i + 2])) {
-        start = -1;
-        afterStop = false;
-        continue;
-      }
-      const unsigned codon = CodonIndex(seq[i], seq[i + 1], seq[i + 2]);
-      if (stops[codon]) {
-        if (start >= 0 && c + 3 - start >= minLength) out.emplace_back(start, c + 3);
-        start = -1;
-        afterStop = true;
-      } else if (start < 0 && afterStop && starts[codon]) {
-        start = c;
+// The first gene set: the long open reading frames (the core's ORF search: from the first start
+// codon after a stop to the next stop, both ends closed), longest first, each kept when it shares
+// at most 60 bases with those kept before. Most long ORFs of a prokaryote are genes, so the
+// chains estimated from them already tell coding from non-coding; the rounds that follow clean
+// them of the rest. The length bar drops until the set holds enough genes to fill a chain.
+std::vector<TrainingGene> LongOrfs(const TrainingGenome& genome, int geneticCode) {
+  std::vector<TrainingGene> orfs;  // of at least 300 bases, the lowest bar
+  for (std::size_t r = 0; r < genome.Records().size(); ++r) {
+    ORF search;
+    search.SetCodons(kStarts, StopsOf(geneticCode));
+    search.BuildCodonArray(CodeSeq(genome.Records()[r]));
+    // The search counts the bases between the start and stop codons.
+    search.SearchDirect(300 - 6);
+    search.SearchReverse(300 - 6);
+    const std::int64_t offset = genome.Offset(r);
+    for (const GENE& orf : search.orfs) {
+      // Codon positions are those of a codon's last base.
+      if (orf.left_complete && orf.right_complete) {
+        orfs.push_back({offset + orf.left - 2, offset + orf.right, orf.strand});
       }
     }
   }
-}
-
-// The first gene set: the long open reading frames, longest first, each kept when it shares at
-// most 60 bases with those kept before. Most long ORFs of a prokaryote are genes, so the chains
-// estimated from them already tell coding from non-coding; the rounds that follow clean them of
-// the rest. The length bar drops until the set holds enough genes to fill a chain.
-std::vector<TrainingGene> LongOrfs(const TrainingGenome& genome, int geneticCode) {
-  const CodonSet stops = StopsOf(geneticCode);
+  std::sort(orfs.begin(), orfs.end(), [](const TrainingGene& a, const TrainingGene& b) {
+    return a.right - a.left > b.right - b.left;
+  });
   std::vector<TrainingGene> kept;
   for (const std::int64_t minLength : {900, 600, 450, 300}) {
-    std::vector<TrainingGene> orfs;
-    std::vector<std::pair<std::int64_t, std::int64_t>> found;
-    for (std::size_t r = 0; r < genome.Records().size(); ++r) {
-      const std::vector<std::uint8_t>& record = genome.Records()[r];
-      const auto n = static_cast<std::int64_t>(record.size());
-      const std::int64_t offset = genome.Offset(r);
-      found.clear();
-      StrandOrfs(record, stops, kStarts, minLength, found);
-      for (const auto& [b, e] : found)
-        orfs.push_back({offset + b, offset + e - 1, Strand::kDirect});
-      std::vector<std::uint8_t> reverse = record;
-      ReverseComplement(reverse);
-      found.clear();
-      StrandOrfs(reverse, stops, kStarts, minLength, found);
-      for (const auto& [b, e] : found) {
-        orfs.push_back({offset + n - e, offset + n - 1 - b, Strand::kReverse});
-      }
-    }
-    std::sort(orfs.begin(), orfs.end(), [](const TrainingGene& a, const TrainingGene& b) {
-      return a.right - a.left > b.right - b.left;
-    });
     std::map<std::int64_t, std::int64_t> byLeft;  // kept genes: left -> right
     kept.clear();
     for (const TrainingGene& orf : orfs) {
+      if (orf.right - orf.left + 1 < minLength) break;
       auto next = byLeft.lower_bound(orf.left);
       const bool clashRight = next != byLeft.end() && next->first <= orf.right - 60;
       const bool clashLeft = next != byLeft.begin() && std::prev(next)->second >= orf.left + 60;
@@ -160,12 +133,11 @@ constexpr double kCodeFourLeast = 0.5;
 // whose starts it then moves.
 constexpr int kMotifRounds = 2;
 
-std::string ScratchModel(const TrainOptions& options, std::string_view what) {
-  return options.scratch + "/genefind-train-" + std::to_string(::getpid()) + "-" +
-         std::string(what) + ".mod";
-}
-
 }  // namespace
+
+std::string ScratchFile(const std::string& folder, std::string_view what) {
+  return folder + "/genefind-" + std::to_string(::getpid()) + "-" + std::string(what) + ".mod";
+}
 
 int OrderFor(std::int64_t bases) {
   if (bases < 300000) return 3;
@@ -180,7 +152,7 @@ bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options
   if (settings.order <= 0) settings.order = OrderFor(genome.Bases());
   result = TrainResult{};
   result.order = settings.order;
-  const std::string scratch = ScratchModel(options, "round");
+  const std::string scratch = ScratchFile(options.scratch, "round");
 
   // The genetic code. A code-4 genome read with code 11 breaks its genes at every TGA, so that
   // far less of it reads as coding than with code 4; a code-11 genome read with code 4 keeps its

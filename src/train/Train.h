@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "train/TrainModel.h"
@@ -42,8 +43,10 @@ struct TrainResult {
   // The genes the written model calls on each record, when training already predicted them with
   // it (the last round's); empty otherwise.
   std::vector<std::vector<PredictedGene>> calls;
-  std::string modelText;  // the model file written
 };
+
+// A scratch file of this process in `folder`, named after what it holds.
+std::string ScratchFile(const std::string& folder, std::string_view what);
 
 // The order of the chains for a genome of this many bases: 5, and lower for small genomes, whose
 // genes cannot fill the 4^(order+1) words of each frame.

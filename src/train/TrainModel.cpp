@@ -131,8 +131,9 @@ bool AppendMotif(const VSeq& seq, const GeneSet& set, Genome& genome, const Moti
 }  // namespace
 
 void TrainingGenome::AddRecord(std::string id, std::vector<std::uint8_t> codes) {
-  if (!records_.empty()) bases_ += kJunction;
-  offsets_.push_back(bases_);
+  if (!records_.empty()) joinedLength_ += kJunction;
+  offsets_.push_back(joinedLength_);
+  joinedLength_ += static_cast<std::int64_t>(codes.size());
   bases_ += static_cast<std::int64_t>(codes.size());
   records_.push_back(std::move(codes));
   ids_.push_back(std::move(id));
@@ -140,7 +141,7 @@ void TrainingGenome::AddRecord(std::string id, std::vector<std::uint8_t> codes) 
 
 std::vector<std::uint8_t> TrainingGenome::Joined() const {
   std::vector<std::uint8_t> joined;
-  joined.reserve(static_cast<std::size_t>(bases_));
+  joined.reserve(static_cast<std::size_t>(joinedLength_));
   for (std::size_t r = 0; r < records_.size(); ++r) {
     if (r > 0) joined.insert(joined.end(), static_cast<std::size_t>(kJunction), kOther);
     joined.insert(joined.end(), records_[r].begin(), records_[r].end());

@@ -23,6 +23,7 @@ class TrainingGenome {
   const std::vector<std::string>& Ids() const { return ids_; }
   // Where each record begins in the joined sequence.
   std::int64_t Offset(std::size_t record) const { return offsets_[record]; }
+  // The records' own bases, without the runs that join them.
   std::int64_t Bases() const { return bases_; }
   std::vector<std::uint8_t> Joined() const;
 
@@ -30,7 +31,7 @@ class TrainingGenome {
   std::vector<std::vector<std::uint8_t>> records_;
   std::vector<std::string> ids_;
   std::vector<std::int64_t> offsets_;
-  std::int64_t bases_ = 0;
+  std::int64_t bases_ = 0, joinedLength_ = 0;
 };
 
 // A gene to train on, in the joined sequence's coordinates (0-based, inclusive).
