@@ -65,9 +65,8 @@ std::int32_t CommonStart(const std::vector<std::int32_t>& starts, std::size_t le
 }
 
 char Letter(std::uint8_t code, bool upper) {
-  constexpr std::string_view kUpper = "ACGTN", kLower = "acgtn";
-  const std::size_t index = std::min<std::size_t>(code, 4);
-  return upper ? kUpper[index] : kLower[index];
+  const char letter = BaseLetter(code);
+  return upper ? letter : static_cast<char>(letter - 'A' + 'a');
 }
 
 void AppendLetters(std::string& text, const std::vector<std::uint8_t>& region, std::size_t from,

@@ -116,11 +116,10 @@ MotifProfile ProfileOf(std::span<const std::vector<std::uint8_t>> regions,
         static_cast<std::size_t>(static_cast<std::int64_t>(regions[r].size()) - starts[r] - width);
     ++profile.spacers[spacer];
   }
-  constexpr std::array<char, 4> kLetters{'A', 'C', 'G', 'T'};
   for (const std::array<double, 4>& row : profile.counts) {
     const double total = row[0] + row[1] + row[2] + row[3];
     const auto top = std::max_element(row.begin(), row.end()) - row.begin();
-    profile.consensus.push_back(total == 0.0 ? 'N' : kLetters[static_cast<std::size_t>(top)]);
+    profile.consensus.push_back(total == 0.0 ? 'N' : BaseLetter(static_cast<std::uint8_t>(top)));
     double bits = 0.0;
     for (int b = 0; b < 4 && total > 0.0; ++b) {
       if (row[b] == 0.0) continue;

@@ -181,7 +181,6 @@ void SetConfidences(const std::vector<PredictedGene>& candidates, const Schedule
 
 std::string SiteBases(std::span<const std::uint8_t> codes, const PredictedGene& gene,
                       std::size_t width) {
-  static constexpr char kLetters[] = "ACGTNN";
   std::string site;
   const auto spacer = static_cast<std::int64_t>(gene.rbsSpacer);
   const auto w = static_cast<std::int64_t>(width);
@@ -191,8 +190,7 @@ std::string SiteBases(std::span<const std::uint8_t> codes, const PredictedGene& 
         gene.strand == Strand::kDirect ? gene.left - 1 - spacer - k : gene.right + 1 + spacer + k;
     if (pos < 0 || pos >= static_cast<std::int64_t>(codes.size())) return {};
     const std::uint8_t code = codes[static_cast<std::size_t>(pos)];
-    site += gene.strand == Strand::kDirect ? kLetters[std::min<int>(code, 4)]
-                                           : kLetters[std::min<int>(Complement(code), 4)];
+    site += BaseLetter(gene.strand == Strand::kDirect ? code : Complement(code));
   }
   return site;
 }

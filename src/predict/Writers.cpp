@@ -11,7 +11,6 @@ namespace genetrain {
 
 namespace {
 
-constexpr std::string_view kLetters = "ACGTNN";
 // Amino acids by codon index (first base most significant, A C G T), the bacterial code.
 constexpr std::string_view kCode11 =
     "KNKNTTTTRSRSIIMIQHQHPPPPRRRRLLLLEDEDAAAAGGGGVVVV*Y*YSSSS*CWCLFLF";
@@ -48,9 +47,9 @@ void AppendCodon(std::string& out, unsigned codon) {
     out += "Edge";
     return;
   }
-  out += kLetters[codon >> 4];
-  out += kLetters[(codon >> 2) & 3];
-  out += kLetters[codon & 3];
+  out += BaseLetter(static_cast<std::uint8_t>(codon >> 4));
+  out += BaseLetter(static_cast<std::uint8_t>((codon >> 2) & 3));
+  out += BaseLetter(static_cast<std::uint8_t>(codon & 3));
 }
 
 void AppendWrapped(std::string& out, std::string_view text) {
@@ -150,8 +149,7 @@ void AppendNucleotides(std::string& out, std::string_view recordId,
   for (std::size_t g = 0; g < genes.size(); ++g) {
     AppendFastaHeader(out, recordId, g + 1, genes[g]);
     text.clear();
-    for (const std::uint8_t code : GeneCodes(codes, genes[g]))
-      text += kLetters[code < 4 ? code : 4];
+    for (const std::uint8_t code : GeneCodes(codes, genes[g])) text += BaseLetter(code);
     AppendWrapped(out, text);
   }
 }

@@ -30,6 +30,12 @@ constexpr bool IsBase(std::uint8_t code) {
   return code < kOther;
 }
 
+// The capital letter of a code as the gene finder writes sequences: A, C, G, T, and N for any
+// code that is not a base.
+constexpr char BaseLetter(std::uint8_t code) {
+  return IsBase(code) ? "ACGT"[code] : 'N';
+}
+
 // The complement of a base code; any code that is not a base has none and gives kOther.
 constexpr std::uint8_t Complement(std::uint8_t code) {
   return IsBase(code) ? static_cast<std::uint8_t>(kT - code) : std::uint8_t{kOther};

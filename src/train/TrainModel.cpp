@@ -106,14 +106,13 @@ bool AppendMotif(const VSeq& seq, const GeneSet& set, Genome& genome, const Moti
   report.motif = ProfileOf(regions, alignment.starts, alignment.weights, motif.sampler.width,
                            alignment.background);
   report.siteShare = alignment.siteShare;
-  static constexpr char kLetters[] = "ACGTNN";
   Gibbs gibbs;
   VSeq sequences;
   for (std::size_t r = 0; r < regions.size(); ++r) {
     const std::int32_t start = std::max<std::int32_t>(0, alignment.starts[r]);
     std::string site;
     for (int k = 0; k < motif.sampler.width; ++k) {
-      site.push_back(kLetters[std::min<int>(regions[r][static_cast<std::size_t>(start + k)], 5)]);
+      site.push_back(BaseLetter(regions[r][static_cast<std::size_t>(start + k)]));
     }
     gibbs.sites.push_back(std::move(site));
     gibbs.positions.push_back(start + 1);
