@@ -8,12 +8,8 @@
 
 namespace genetrain {
 
-namespace {
+namespace {}  // namespace
 
-constexpr std::uint32_t kNoWord = 0xffffffffu;
-
-// The index of the word of order + 1 letters that ends at each base; kNoWord where the word
-// would hold an unknown letter or reach before the sequence.
 std::vector<std::uint32_t> EndingWords(std::span<const std::uint8_t> seq, int order) {
   std::vector<std::uint32_t> words(seq.size(), kNoWord);
   const std::uint32_t mask = (std::uint32_t{1} << (2 * (order + 1))) - 1;
@@ -31,6 +27,8 @@ std::vector<std::uint32_t> EndingWords(std::span<const std::uint8_t> seq, int or
   return words;
 }
 
+namespace {
+
 unsigned CodonAt(std::span<const std::uint8_t> seq, std::size_t i) {
   if (!IsBase(seq[i]) || !IsBase(seq[i + 1]) || !IsBase(seq[i + 2])) return kNoCodon;
   return CodonIndex(seq[i], seq[i + 1], seq[i + 2]);
@@ -47,8 +45,8 @@ double MixLog(double w1, double a, double w2, double b) {
 class StrandScorer {
  public:
   StrandScorer(const GeneModel& model, std::span<const std::uint8_t> seq,
-               const PredictSettings& settings)
-      : model_(model), seq_(seq), settings_(settings), words_(EndingWords(seq, model.order)) {
+               std::span<const std::uint32_t> words, const PredictSettings& settings)
+      : model_(model), seq_(seq), settings_(settings), words_(words) {
     for (unsigned codon = 0; codon < 64; ++codon) {
       const double q = model.background[codon >> 4] * model.background[(codon >> 2) & 3] *
                        model.background[codon & 3];
@@ -86,7 +84,7 @@ class StrandScorer {
   const GeneModel& model_;
   std::span<const std::uint8_t> seq_;
   const PredictSettings& settings_;
-  std::vector<std::uint32_t> words_;
+  std::span<const std::uint32_t> words_;
   std::array<double, 64> startOdds_{};
   double geneCost_ = 0;
   double startPrior_ = 0;
@@ -202,8 +200,7 @@ double CodingLogOdds(const GeneModel& model, std::span<const std::uint8_t> seq,
   return sum;
 }
 
-FrameSums::FrameSums(const GeneModel& model, std::span<const std::uint8_t> strandSeq) {
-  const std::vector<std::uint32_t> words = EndingWords(strandSeq, model.order);
+FrameSums::FrameSums(const GeneModel& model, std::span<const std::uint32_t> words) {
   const auto odds = [&](std::size_t i, std::size_t codonPosition) -> double {
     return words[i] == kNoWord ? 0.0 : model.cod1[codonPosition][words[i]];
   };
@@ -211,7 +208,7 @@ FrameSums::FrameSums(const GeneModel& model, std::span<const std::uint8_t> stran
     std::vector<float>& prefix = prefix_[frame];
     prefix.assign(1, 0.0f);
     double sum = 0;
-    for (std::size_t c = frame; c + 3 <= strandSeq.size(); c += 3) {
+    for (std::size_t c = frame; c + 3 <= words.size(); c += 3) {
       sum += odds(c, 0) + odds(c + 1, 1) + odds(c + 2, 2);
       prefix.push_back(static_cast<float>(sum));
     }
@@ -229,12 +226,18 @@ double FrameSums::Sum(int frame, std::int64_t begin, std::int64_t end) const {
 }
 
 std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
+                                  std::span<const std::uint32_t> words,
                                   const PredictSettings& settings) {
   std::vector<Candidate> out;
   if (strandSeq.size() < 3) return out;
-  StrandScorer scorer(model, strandSeq, settings);
+  StrandScorer scorer(model, strandSeq, words, settings);
   for (int frame = 0; frame < 3; ++frame) scorer.ScanFrame(frame, out);
   return out;
+}
+
+std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
+                                  const PredictSettings& settings) {
+  return ScanStrand(model, strandSeq, EndingWords(strandSeq, model.order), settings);
 }
 
 }  // namespace genetrain

@@ -123,11 +123,12 @@ double GeneScore(const GeneModel& model, const Candidate& c, const FrameContest&
   return score;
 }
 
-void AddStrand(const GeneModel& model, std::span<const std::uint8_t> piece, std::int64_t offset,
-               Strand strand, const FrameSums& own, const FrameSums& other,
-               const PredictSettings& settings, std::vector<PredictedGene>& genes) {
-  const auto n = static_cast<std::int64_t>(piece.size());
-  for (const Candidate& c : ScanStrand(model, piece, settings)) {
+// The candidates of one strand of a piece of `n` bases that score above non-coding, as genes in
+// the record's coordinates.
+void AddStrand(const GeneModel& model, const std::vector<Candidate>& candidates, std::int64_t n,
+               std::int64_t offset, Strand strand, const FrameSums& own, const FrameSums& other,
+               std::vector<PredictedGene>& genes) {
+  for (const Candidate& c : candidates) {
     PredictedGene gene;
     gene.score = GeneScore(model, c, Contest(c, own, other, n));
     if (gene.score <= 0) continue;
@@ -204,11 +205,20 @@ std::vector<PredictedGene> PredictGenes(const GeneModel& model, std::span<const 
   for (const auto& [begin, end] : Pieces(codes, settings.maxNRun)) {
     const auto piece =
         codes.subspan(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+    const auto n = static_cast<std::int64_t>(piece.size());
+    // Each strand's words serve its frame sums and its scan, and go before the other strand's
+    // are made: memory holds the frame sums of both strands and the words of one.
+    std::vector<std::uint32_t> words = EndingWords(piece, model.order);
+    const FrameSums direct(model, words);
+    const std::vector<Candidate> directCandidates = ScanStrand(model, piece, words, settings);
     reverse.assign(piece.begin(), piece.end());
     ReverseComplement(reverse);
-    const FrameSums direct(model, piece), opposite(model, reverse);
-    AddStrand(model, piece, begin, Strand::kDirect, direct, opposite, settings, candidates);
-    AddStrand(model, reverse, begin, Strand::kReverse, opposite, direct, settings, candidates);
+    words = EndingWords(reverse, model.order);
+    const FrameSums opposite(model, words);
+    const std::vector<Candidate> reverseCandidates = ScanStrand(model, reverse, words, settings);
+    std::vector<std::uint32_t>().swap(words);
+    AddStrand(model, directCandidates, n, begin, Strand::kDirect, direct, opposite, candidates);
+    AddStrand(model, reverseCandidates, n, begin, Strand::kReverse, opposite, direct, candidates);
   }
   std::sort(candidates.begin(), candidates.end(),
             [](const PredictedGene& a, const PredictedGene& b) {

@@ -59,10 +59,21 @@ struct Candidate {
   std::int32_t rbsSpacer = -1;
 };
 
+inline constexpr std::uint32_t kNoWord = 0xffffffffu;
+
+// The index of the word of order + 1 letters that ends at each base of one strand's sequence;
+// kNoWord where the word would hold an unknown letter or reach before the sequence. The scan and
+// the frame sums of a strand read the same words.
+std::vector<std::uint32_t> EndingWords(std::span<const std::uint8_t> seq, int order);
+
 // Every candidate gene of one strand's sequence (base codes, read 5' to 3'), scored against
 // non-coding (the decoder adds the rival frames and the atypical class, so none is dropped): ORFs
 // from each allowed start to their stop, plus the genes that run off either end. The ends of
 // `strandSeq` are open ends.
+std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
+                                  std::span<const std::uint32_t> words,
+                                  const PredictSettings& settings);
+// The same, with the words made here.
 std::vector<Candidate> ScanStrand(const GeneModel& model, std::span<const std::uint8_t> strandSeq,
                                   const PredictSettings& settings);
 
@@ -76,7 +87,8 @@ double CodingLogOdds(const GeneModel& model, std::span<const std::uint8_t> seq,
 // begin at the positions f, f + 3, ... Floats, to keep two copies of a genome in 8 bytes a base.
 class FrameSums {
  public:
-  FrameSums(const GeneModel& model, std::span<const std::uint8_t> strandSeq);
+  // From the strand's EndingWords.
+  FrameSums(const GeneModel& model, std::span<const std::uint32_t> words);
   // The sum over the whole codons of `frame` that lie in [begin, end).
   double Sum(int frame, std::int64_t begin, std::int64_t end) const;
 
