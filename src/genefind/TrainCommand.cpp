@@ -55,9 +55,7 @@ bool GenesOf(const TrainingGenome& genome, const std::string& path,
                        gene.rightOpen});
     }
   }
-  std::sort(genes.begin(), genes.end(), [](const TrainingGene& a, const TrainingGene& b) {
-    return a.left != b.left ? a.left < b.left : a.right < b.right;
-  });
+  SortByLeft(genes);
   return true;
 }
 
@@ -86,10 +84,7 @@ std::string ScratchFolder() {
 bool CallGenes(const std::string& modelPath, const TrainingGenome& genome, TrainResult& result) {
   GeneModel model;
   if (!LoadGeneModel(modelPath, model)) return false;
-  result.calls.clear();
-  for (const std::vector<std::uint8_t>& record : genome.Records()) {
-    result.calls.push_back(PredictGenes(model, record, PredictSettings{}));
-  }
+  result.calls = PredictRecords(genome, model);
   return true;
 }
 

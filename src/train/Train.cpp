@@ -66,19 +66,8 @@ std::vector<TrainingGene> LongOrfs(const TrainingGenome& genome, int geneticCode
     }
     if (kept.size() >= 200) break;
   }
-  std::sort(kept.begin(), kept.end(),
-            [](const TrainingGene& a, const TrainingGene& b) { return a.left < b.left; });
+  SortByLeft(kept);
   return kept;
-}
-
-std::vector<std::vector<PredictedGene>> PredictAll(const TrainingGenome& genome,
-                                                   const GeneModel& model) {
-  std::vector<std::vector<PredictedGene>> byRecord;
-  const PredictSettings settings;
-  for (const std::vector<std::uint8_t>& record : genome.Records()) {
-    byRecord.push_back(PredictGenes(model, record, settings));
-  }
-  return byRecord;
 }
 
 std::int64_t StopKey(const TrainingGene& gene) {
@@ -112,7 +101,7 @@ bool Round(const TrainingGenome& genome, const std::vector<TrainingGene>& genes,
   if (!BuildModel(genome, genes, settings, motif, path, report) || !LoadGeneModel(path, model)) {
     return false;
   }
-  std::vector<std::vector<PredictedGene>> byRecord = PredictAll(genome, model);
+  std::vector<std::vector<PredictedGene>> byRecord = PredictRecords(genome, model);
   predicted = JoinedGenes(genome, byRecord);
   if (calls != nullptr) *calls = std::move(byRecord);
   return true;
@@ -134,6 +123,16 @@ constexpr double kCodeFourLeast = 0.5;
 constexpr int kMotifRounds = 2;
 
 }  // namespace
+
+std::vector<std::vector<PredictedGene>> PredictRecords(const TrainingGenome& genome,
+                                                       const GeneModel& model) {
+  std::vector<std::vector<PredictedGene>> byRecord;
+  const PredictSettings settings;
+  for (const std::vector<std::uint8_t>& record : genome.Records()) {
+    byRecord.push_back(PredictGenes(model, record, settings));
+  }
+  return byRecord;
+}
 
 std::string ScratchFile(const std::string& folder, std::string_view what) {
   return folder + "/genefind-" + std::to_string(::getpid()) + "-" + std::string(what) + ".mod";

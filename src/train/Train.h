@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "predict/GeneModel.h"
 #include "train/TrainModel.h"
 
 namespace genetrain {
@@ -44,6 +45,10 @@ struct TrainResult {
   // it (the last round's); empty otherwise.
   std::vector<std::vector<PredictedGene>> calls;
 };
+
+// The genes the model calls on every record of the genome, as genefind predict calls them.
+std::vector<std::vector<PredictedGene>> PredictRecords(const TrainingGenome& genome,
+                                                       const GeneModel& model);
 
 // A scratch file of this process in `folder`, named after what it holds.
 std::string ScratchFile(const std::string& folder, std::string_view what);

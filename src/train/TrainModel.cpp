@@ -158,10 +158,14 @@ std::vector<TrainingGene> JoinedGenes(const TrainingGenome& genome,
                        gene.openRight, gene.confidence});
     }
   }
+  SortByLeft(genes);
+  return genes;
+}
+
+void SortByLeft(std::vector<TrainingGene>& genes) {
   std::sort(genes.begin(), genes.end(), [](const TrainingGene& a, const TrainingGene& b) {
     return a.left != b.left ? a.left < b.left : a.right < b.right;
   });
-  return genes;
 }
 
 bool BuildModel(const TrainingGenome& genome, std::span<const TrainingGene> genes,

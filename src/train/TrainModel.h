@@ -43,6 +43,9 @@ struct TrainingGene {
   double confidence = 100.0;
 };
 
+// Sorts genes by left end, then right end, as the core's training steps read them.
+void SortByLeft(std::vector<TrainingGene>& genes);
+
 // The genes of every record in joined coordinates, sorted by left end.
 std::vector<TrainingGene> JoinedGenes(const TrainingGenome& genome,
                                       std::span<const std::vector<PredictedGene>> byRecord);
