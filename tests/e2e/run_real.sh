@@ -42,6 +42,11 @@ for key in ORDM COD1 COD2 NONC ATG_ GTG_ TTG_ CTG_ TAA_ TAG_ TGA_; do
   cmp -s "ref/$key" "sup/$key" || fail "train -g and genetrain --mkmod differ in $key"
 done
 [ ! -e sup/RBSS ] || fail "--no-motif still wrote RBS sections"
+# run -g calls the genes with the model it trained, as predict does with that model.
+"$genefind" run -q -g "$curated" --order 5 --no-motif -o supervised_run.gff genome.fa
+"$genefind" predict -q -m supervised.mod -o supervised_predict.gff genome.fa
+cmp -s supervised_run.gff supervised_predict.gff ||
+  fail "run -g and predict with the model of train -g call different genes"
 
 # Unsupervised, from genome to genes.
 "$genefind" run -q --model-out run.mod -o run.gff "$genome"
