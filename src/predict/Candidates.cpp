@@ -8,8 +8,6 @@
 
 namespace genetrain {
 
-namespace {}  // namespace
-
 std::vector<std::uint32_t> EndingWords(std::span<const std::uint8_t> seq, int order) {
   std::vector<std::uint32_t> words(seq.size(), kNoWord);
   const std::uint32_t mask = (std::uint32_t{1} << (2 * (order + 1))) - 1;

@@ -177,18 +177,23 @@ bool BuildModel(const TrainingGenome& genome, std::span<const TrainingGene> gene
   if (!ReadStopCodons(param, OnBadFlag::kFail, seq.stops)) return false;
   const GeneSet set = ToGeneSet(genes);
   const GenomeSettings genomeSettings = ReadGenomeSettings(param);
-  Genome training(genomeSettings);
-  training.ExtractCoding(seq, set, 0, 0);
-  training.ExtractNonCoding(seq, set);
-  report = ModelBuildReport{};
-  report.codingGenes = static_cast<std::int64_t>(training.cod1.size());
-  // The genes with sure starts, for the start codons and the motif.
+  // The genes with sure starts, for the non-coding chain, the start codons and the motif.
   std::vector<TrainingGene> sure;
   for (const TrainingGene& gene : genes) {
     if (gene.confidence >= kStartConfidence) sure.push_back(gene);
   }
   const bool allSure = sure.size() == genes.size();
   const GeneSet sureSet = allSure ? GeneSet() : ToGeneSet(sure);
+  Genome training(genomeSettings);
+  training.ExtractCoding(seq, set, 0, 0);
+  // The non-coding chain learns from the stretches between the genes with sure starts. An unsure
+  // start has often been pulled upstream over non-coding sequence; masked as a gene, that
+  // sequence would never reach the chain, so the next round would read it as the head of a gene
+  // again and keep the start where it is. The bodies of those genes, mostly coding, make the chain
+  // a little stricter, which costs some short weak genes.
+  training.ExtractNonCoding(seq, allSure ? set : sureSet);
+  report = ModelBuildReport{};
+  report.codingGenes = static_cast<std::int64_t>(training.cod1.size());
   Genome sureStarts(genomeSettings);
   if (!allSure) sureStarts.ExtractCoding(seq, sureSet, 0, 0);
   Report model;

@@ -50,9 +50,10 @@ void SortByLeft(std::vector<TrainingGene>& genes);
 std::vector<TrainingGene> JoinedGenes(const TrainingGenome& genome,
                                       std::span<const std::vector<PredictedGene>> byRecord);
 
-// Start codon probabilities and the RBS motif come from the genes whose start is at least this
-// sure: in self-training the uncertain starts drift towards the commonest codons of the sequence
-// (TTG in E. coli), and each round would teach the next one more of them.
+// Start codon probabilities, the RBS motif and the non-coding stretches come from the genes whose
+// start is at least this sure: in self-training the uncertain starts drift towards the commonest
+// codons of the sequence (TTG in E. coli) and upstream over non-coding sequence, and each round
+// would teach the next one more of them.
 inline constexpr double kStartConfidence = 90.0;
 
 struct ModelSettings {
