@@ -51,6 +51,7 @@ bench: build
 	bash bench/predict_genomes.sh $(BUILD_DIR)
 	bash bench/motif_bench.sh $(BUILD_DIR)
 	bash bench/train_bench.sh $(BUILD_DIR)
+	bash bench/predict_metagenome.sh $(BUILD_DIR)
 
 # A model trained end to end on the bundled E. coli genome; the files go to DEMO_DIR.
 DEMO_DIR ?= $(BUILD_DIR)/demo
