@@ -5,11 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "common/FileBuf.h"
-#include "common/InputStream.h"
 #include "common/Message.h"
 #include "common/Output.h"
-#include "seq/FastaBlocks.h"
+#include "seq/FastaSource.h"
 #include "seq/JoinedText.h"
 #include "seq/RecordJoiner.h"
 #include "seq/SSeq.h"
@@ -18,31 +16,18 @@ namespace genetrain {
 
 namespace {
 
-// The contig file, read once or twice. A regular file is streamed block by block at every
-// reading; anything else (a pipe, a device) can be read only once, so it is held whole.
+// The contig file, read once or twice, with the number of its records.
 class JoinInput {
  public:
-  explicit JoinInput(std::size_t blockSize) : blockSize_(blockSize) {}
+  explicit JoinInput(std::size_t blockSize) : source_(blockSize) {}
 
-  // The loader's checks and messages; a stream that is not a file is read here.
-  bool Open(const std::string& name) {
-    name_ = name;
-    InputStream probe;
-    if (!probe.Find(name.c_str())) return false;
-    held_ = !probe.Regular();
-    return !held_ || whole_.Load(name.c_str());
-  }
+  bool Open(const std::string& name) { return source_.Open(name); }
 
-  // One reading: every record to the joiner, which may stop the reading early. False after a
-  // reading message.
+  // One reading: every record to the joiner. False after a reading message.
   bool JoinInto(RecordJoiner& joiner) {
     records_ = 0;
     JoiningSink sink{joiner, records_};
-    if (!held_) return ReadFastaBlocks(name_, blockSize_, sink);
-    FastaSplitter splitter;
-    splitter.Feed(whole_.View(), sink);
-    splitter.Finish(sink);
-    return true;
+    return source_.Read(sink);
   }
 
   std::size_t Records() const { return records_; }
@@ -60,10 +45,7 @@ class JoinInput {
     void End() { joiner.End(); }
   };
 
-  std::size_t blockSize_;
-  std::string name_;
-  bool held_ = false;
-  FileBuf whole_;
+  FastaSource source_;
   std::size_t records_ = 0;
 };
 
