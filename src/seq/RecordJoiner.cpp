@@ -30,13 +30,17 @@ void RecordJoiner::Put(std::string_view raw) {
     own_.Add(SSeq::TallyLetters(raw));
     return;
   }
-  LetterChunks chunks(raw, UpperLetterTable(), buffer_);
+  SSeq::Tally counts;
+  LetterChunks chunks(raw, UpperLetterTable(), buffer_, &counts);
   std::string_view letters;
-  while (chunks.Next(letters)) PutLetters(letters);
+  while (chunks.Next(letters)) {
+    PutLetters(letters, counts);
+    counts = {};
+  }
 }
 
-void RecordJoiner::PutLetters(std::string_view letters) {
-  own_.Add(SSeq::TallyLetters(letters));
+void RecordJoiner::PutLetters(std::string_view letters, const SSeq::Tally& counts) {
+  own_.Add(counts);
   if (keeping_) {
     Emit(letters);
     return;

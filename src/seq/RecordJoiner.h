@@ -49,7 +49,7 @@ class RecordJoiner {
     bool maskFiller = false;
   };
 
-  void PutLetters(std::string_view letters);
+  void PutLetters(std::string_view letters, const SSeq::Tally& counts);
   void Keep();
   void PutFiller();
   void Emit(std::string_view letters);

@@ -20,7 +20,13 @@ class SSeq : public Report {
     std::uint64_t a = 0, c = 0, g = 0, t = 0, n = 0;
     std::uint64_t Unambiguous() const { return a + c + g + t; }
     std::uint64_t All() const { return a + c + g + t + n; }
-    void Add(const Tally& other);
+    void Add(const Tally& other) {
+      a += other.a;
+      c += other.c;
+      g += other.g;
+      t += other.t;
+      n += other.n;
+    }
   };
   // A [begin, end) range of character positions of a joined text.
   struct Range {
