@@ -502,6 +502,45 @@ TEST(StreamedCommands, EveryBlockSizeGivesTheSameResult) {
   }
 }
 
+// ---- Inputs that fail on the way ----
+
+// Compressed input cut short far beyond the first block: what the commands write as they read
+// is a temporary file or nothing, so a stream gets no text and --split writes no piece.
+TEST(StreamedCommands, TruncatedCompressedInputWritesNothing) {
+  std::string fasta;
+  for (int i = 0; i < 300; ++i) fasta += ">r" + std::to_string(i) + "\nACGTTGCANNACGT\n";
+  std::string packed = test::Gzip(fasta);
+  packed.resize(packed.size() * 3 / 4);
+  const std::string oneRecord = test::Gzip(">one\n" + std::string(5000, 'A') + "\n");
+  for (const std::size_t blockSize : {std::size_t{64}, std::size_t{1000}}) {
+    test::ScratchDir dir;
+    const std::string input = dir.Write("in.fa.gz", packed);
+    const test::Outcome split =
+        RunBlocks(&SSeq::Split, blockSize, {{"--split", dir.Path("p")}, {"--seq", input}});
+    EXPECT_FALSE(split.ok);
+    EXPECT_NE(split.err.find("truncated gzip data"), std::string::npos) << split.err;
+    EXPECT_TRUE(FilesOf(dir, "p_").empty()) << blockSize;
+
+    const test::Outcome join = RunBlocks(&SSeq::CleanJoin, blockSize,
+                                         {{"--clean_join", ""}, {"--seq", input}, {"--log", ""}});
+    EXPECT_FALSE(join.ok);
+    EXPECT_EQ(join.out, "");
+
+    const test::Outcome clean = RunBlocks(
+        &SSeq::Clean, blockSize,
+        {{"--seq", input}, {"--out_clean", dir.Path("c")}, {"--out_masked", dir.Path("m")}});
+    EXPECT_FALSE(clean.ok);
+
+    const std::string cut = dir.Write("one.fa.gz", oneRecord.substr(0, oneRecord.size() - 4));
+    const test::Outcome mask = RunBlocks(
+        &SSeq::Mask, blockSize,
+        {{"--seq", cut}, {"--mask", dir.Write("m.txt", "1 2\n")}, {"--out", dir.Path("o")}});
+    EXPECT_FALSE(mask.ok);
+    // Only the inputs: no output and no temporary file is left.
+    EXPECT_EQ(dir.Entries(), 3);
+  }
+}
+
 // ---- Output equal to input ----
 
 // Each command reads its input to the end before its output takes the input's place.
