@@ -47,10 +47,10 @@ plot=${BENCH_PLOT-$root/docs/bench-scaling.svg}
 generator_version=1
 # The counting commands read in blocks: their peak memory, whatever the input size.
 counting_memory_mb=64
-# The cleaning commands: at least 1000 MB of input per second, and at most input + output +
-# 64 MB of memory.
-min_throughput=1000
-clean_slack_mb=64
+# The cleaning commands stream their input: at most 128 MB of memory for the joins and the
+# renaming, 64 MB for --split (its records are small) and the record + 64 MB for --mask.
+streamed_memory_mb=128
+split_memory_mb=64
 # The commands of the scaling plot and of the linearity check, in legend order.
 scaling_ids=(stat stat_fasta count_substring_n clean_join clean split mask clean_fasta cat)
 

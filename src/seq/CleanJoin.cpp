@@ -1,14 +1,13 @@
 // --clean_join and --clean: joining the records of a contig file into one text, with the N-run
-// editing both commands share. The text is never held whole: the records are joined straight
-// from the loaded file into the outputs, slice by slice.
+// editing both commands share. Neither the file nor the text is held whole: the records are read
+// block by block and joined straight into the outputs, slice by slice.
 #include <cstdio>
 #include <optional>
 #include <string>
 
-#include "common/FileBuf.h"
 #include "common/Message.h"
 #include "common/Output.h"
-#include "seq/FastaScanner.h"
+#include "seq/FastaSource.h"
 #include "seq/JoinedText.h"
 #include "seq/RecordJoiner.h"
 #include "seq/SSeq.h"
@@ -17,22 +16,37 @@ namespace genetrain {
 
 namespace {
 
-// A FASTA file whose records are joined straight from the loaded text: no record is copied.
-struct RawFasta {
-  FileBuf file;
-  std::vector<std::string_view> bodies;
+// The contig file, read once or twice, with the number of its records.
+class JoinInput {
+ public:
+  explicit JoinInput(std::size_t blockSize) : source_(blockSize) {}
 
-  bool Load(const std::string& name) {
-    if (!file.Load(name.c_str())) return false;
-    FastaScanner scanner(file.View());
-    FastaSpan span;
-    while (scanner.Next(span)) bodies.push_back(span.body);
-    return true;
+  bool Open(const std::string& name) { return source_.Open(name); }
+
+  // One reading: every record to the joiner. False after a reading message.
+  bool JoinInto(RecordJoiner& joiner) {
+    records_ = 0;
+    JoiningSink sink{joiner, records_};
+    return source_.Read(sink);
   }
 
-  void JoinInto(RecordJoiner& joiner) const {
-    for (const std::string_view body : bodies) joiner.Add(body);
-  }
+  std::size_t Records() const { return records_; }
+
+ private:
+  struct JoiningSink {
+    RecordJoiner& joiner;
+    std::size_t& records;
+    void Begin() {
+      ++records;
+      joiner.Begin();
+    }
+    void Label(std::string_view) {}
+    void Body(std::string_view piece) { joiner.Put(piece); }
+    void End() { joiner.End(); }
+  };
+
+  FastaSource source_;
+  std::size_t records_ = 0;
 };
 
 }  // namespace
@@ -95,45 +109,72 @@ std::string JoinReport(std::size_t records, const RecordJoiner& joiner, std::uin
   return text;
 }
 
-// The report goes out before the joined text, and tells its length: a first pass counts. Only
-// trimming needs the letters for that; otherwise the length follows from the counts.
-std::string ReportFor(const RawFasta& input, const JoinOptions& options) {
+// One reading of the input joined into `text`, written or only counted; false after a reading
+// message.
+bool JoinText(JoinInput& input, const JoinOptions& options, JoinedText& text,
+              RecordJoiner& joiner) {
+  if (options.maxN >= 0) text.TrimRuns(static_cast<std::size_t>(options.maxN));
+  joiner.AddOutput(text);
+  const bool read = input.JoinInto(joiner);
+  text.Finish();
+  return read;
+}
+
+// The report, when asked for, with the length of the final text.
+bool WriteReport(const JoinOptions& options, std::size_t records, const RecordJoiner& joiner,
+                 std::uint64_t length) {
+  if (!options.log.has_value()) return true;
+  const std::string report = JoinReport(records, joiner, length, options);
+  if (!options.log->empty()) return WriteFile(*options.log, report, OutputMode::kAppend);
+  WriteStdout(report);
+  return true;
+}
+
+// The report must precede the text on standard output, and a stream must get nothing of an
+// input that fails to read to its end: a first reading counts. Only trimming needs the letters
+// for the length; otherwise it follows from the counts.
+bool CountAndReport(JoinInput& input, const JoinOptions& options) {
   RecordJoiner joiner(options.filler, options.Minimum());
   JoinedText counted;
   if (options.maxN >= 0) {
-    counted.TrimRuns(static_cast<std::size_t>(options.maxN));
-    joiner.AddOutput(counted);
+    if (!JoinText(input, options, counted, joiner)) return false;
+  } else if (!input.JoinInto(joiner)) {
+    return false;
   }
-  input.JoinInto(joiner);
-  counted.Finish();
   const std::uint64_t length = options.maxN >= 0 ? counted.Size() : joiner.Length();
-  return JoinReport(input.bodies.size(), joiner, length, options);
+  return WriteReport(options, input.Records(), joiner, length);
 }
 
 }  // namespace
 
 bool SSeq::CleanJoin(Param& param) {
+  return CleanJoin(param, kFastaBlockSize);
+}
+
+// A file replaced whole is made in one reading, behind its temporary name: the report, written
+// before it is put in place, still comes first. A file that cannot be made that way is left to
+// the two readings, which print its message where it has always come.
+bool SSeq::CleanJoin(Param& param, std::size_t blockSize) {
   JoinOptions options;
   if (!ReadJoinOptions(param, options)) return false;
-  RawFasta input;
-  if (!input.Load(options.seq)) return false;
+  JoinInput input(blockSize);
+  if (!input.Open(options.seq)) return false;
 
-  if (options.log.has_value()) {
-    const std::string report = ReportFor(input, options);
-    if (options.log->empty()) {
-      WriteStdout(report);
-    } else if (!WriteFile(*options.log, report, OutputMode::kAppend)) {
+  OutputFile out;
+  if (OutputFile::ReplacesWhole(options.output) &&
+      out.Open(options.output, OutputMode::kReplace, OpenFailure::kQuiet)) {
+    JoinedText text(&out);
+    RecordJoiner joiner(options.filler, options.Minimum());
+    if (!JoinText(input, options, text, joiner) ||
+        !WriteReport(options, input.Records(), joiner, text.Size())) {
       return false;
     }
+    return out.Commit();
   }
-  OutputFile out;
-  if (!out.Open(options.output)) return false;
+  if (!CountAndReport(input, options) || !out.Open(options.output)) return false;
   JoinedText text(&out);
-  if (options.maxN >= 0) text.TrimRuns(static_cast<std::size_t>(options.maxN));
   RecordJoiner joiner(options.filler, options.Minimum());
-  joiner.AddOutput(text);
-  input.JoinInto(joiner);
-  text.Finish();
+  if (!JoinText(input, options, text, joiner)) return false;
   if (options.output.empty()) out.Write("\n");
   return out.Commit();
 }
@@ -164,26 +205,46 @@ bool ReadCleanOptions(Param& param, CleanOptions& options) {
 }
 
 // The masked copy on its own, after the clean one.
-bool WriteMasked(const RawFasta& input, OutputFile& file, std::string_view filler,
+bool WriteMasked(JoinInput& input, OutputFile& file, std::string_view filler,
                  std::int32_t minimum) {
   JoinedText masked(&file);
   RecordJoiner joiner(filler, minimum);
   joiner.AddOutput(masked, true);
-  input.JoinInto(joiner);
+  const bool read = input.JoinInto(joiner);
   masked.Finish();
-  return file.Commit();
+  return read && file.Commit();
+}
+
+// Opens the outputs for the one reading that writes both. A stream among them gets nothing
+// before the input is known to read to its end, so a first reading checks it; so does an output
+// that cannot be opened, whose message comes after those of the input.
+bool OpenOutputs(JoinInput& input, const CleanOptions& options, OutputFile& cleanFile,
+                 OutputFile& maskedFile, bool onePass) {
+  const bool bothWhole =
+      OutputFile::ReplacesWhole(options.outClean) && OutputFile::ReplacesWhole(options.outMasked);
+  if (bothWhole && cleanFile.Open(options.outClean, OutputMode::kReplace, OpenFailure::kQuiet) &&
+      maskedFile.Open(options.outMasked, OutputMode::kReplace, OpenFailure::kQuiet)) {
+    return true;
+  }
+  RecordJoiner counter(options.filler, static_cast<std::int32_t>(options.minContig));
+  if (!input.JoinInto(counter) || !cleanFile.Open(options.outClean)) return false;
+  return !onePass || maskedFile.Open(options.outMasked);
 }
 
 }  // namespace
 
+bool SSeq::Clean(Param& param) {
+  return Clean(param, kFastaBlockSize);
+}
+
 // The clean copy is the joined text with its long N runs flanked on request; the masked copy is
 // the join with N in place of every filler (the runs were N to begin with). Both are made in one
-// pass when they go to two separate files.
-bool SSeq::Clean(Param& param) {
+// reading when they go to two separate files.
+bool SSeq::Clean(Param& param, std::size_t blockSize) {
   CleanOptions options;
   if (!ReadCleanOptions(param, options)) return false;
-  RawFasta input;
-  if (!input.Load(options.seq)) return false;
+  JoinInput input(blockSize);
+  if (!input.Open(options.seq)) return false;
   const auto minimum = static_cast<std::int32_t>(options.minContig);
 
   // Two streams (devices, pipes) may be one: then the masked copy follows the clean one. A file
@@ -193,18 +254,17 @@ bool SSeq::Clean(Param& param) {
       OutputFile::ReplacesWhole(options.outClean) || OutputFile::ReplacesWhole(options.outMasked);
   OutputFile cleanFile;
   OutputFile maskedFile;
-  if (!cleanFile.Open(options.outClean)) return false;
-  if (onePass && !maskedFile.Open(options.outMasked)) return false;
+  if (!OpenOutputs(input, options, cleanFile, maskedFile, onePass)) return false;
   JoinedText clean(&cleanFile);
   if (options.replaceN) clean.FlankRuns(options.left, options.right);
   JoinedText masked(onePass ? &maskedFile : nullptr);
   RecordJoiner joiner(options.filler, minimum);
   joiner.AddOutput(clean);
   if (onePass) joiner.AddOutput(masked, true);
-  input.JoinInto(joiner);
+  const bool read = input.JoinInto(joiner);
   clean.Finish();
   masked.Finish();
-  if (!cleanFile.Commit()) return false;
+  if (!read || !cleanFile.Commit()) return false;
   if (onePass) {
     if (!maskedFile.Commit()) return false;
   } else if (!maskedFile.Open(options.outMasked) ||

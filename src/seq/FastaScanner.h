@@ -31,7 +31,8 @@ class FastaScanner {
   std::size_t cursor_ = 0;
 };
 
-// Appends the letters of a raw region through the table, dropping what the table drops.
+// Appends the letters of a raw region through the table, dropping what the table drops (as
+// CopyLetters does).
 void AppendLetters(std::string_view region, const LetterTable& table, std::string& out);
 // Appends the base codes of the letters of a raw region, dropping every non-letter.
 void AppendCodes(std::string_view region, std::vector<std::uint8_t>& out);

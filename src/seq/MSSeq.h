@@ -22,6 +22,8 @@ class MSSeq {
   // Record utilities (--clean_fasta, --stat_fasta, --count_substring_n, --count_substring_atcg,
   // --CLEAN_CODING).
   bool CleanFasta(Param& param);
+  // Reading the input in blocks of the size given (the command: kFastaBlockSize).
+  bool CleanFasta(Param& param, std::size_t blockSize);
   bool StatFasta(Param& param);
   bool CountSubstringN(Param& param);
   bool CountSubstringAtcg(Param& param);

@@ -10,7 +10,7 @@
 #include "common/FileBuf.h"
 #include "common/Message.h"
 #include "common/Output.h"
-#include "seq/FastaScanner.h"
+#include "seq/FastaSource.h"
 #include "seq/LetterChunks.h"
 #include "seq/SSeq.h"
 
@@ -119,24 +119,55 @@ void MaskPiece(char* letters, std::size_t size, std::size_t offset,
   }
 }
 
-// The label line, then the letters of the body with the ranges set to N, piece by piece, on one
-// line: the sequence is never held whole.
-void WriteMasked(OutputFile& file, const FastaSpan& record, const LetterTable& table,
-                 const std::vector<SSeq::Range>& ranges) {
-  file.Write(record.label);
-  file.Write("\n");
-  std::string buffer;
-  LetterChunks chunks(record.body, table, buffer);
-  std::string_view letters;  // stands at the start of the buffer
-  std::size_t offset = 0;
-  std::size_t next = 0;
-  while (chunks.Next(letters)) {
-    MaskPiece(buffer.data(), letters.size(), offset, ranges, next);
-    file.Write(letters);
-    offset += letters.size();
+// Writes the first record of the file as it streams past: the label line, then the letters of
+// the body with the ranges set to N, on one line. With no output it only counts the records and
+// the first one's letters. A second record stops the reading: the command fails then.
+class MaskingSink {
+ public:
+  MaskingSink(OutputFile* output, const std::vector<SSeq::Range>& ranges)
+      : output_(output), ranges_(ranges) {}
+
+  void Begin() { ++records_; }
+  void Label(std::string_view piece) { Write(piece); }
+  void Body(std::string_view piece) {
+    EndLabel();
+    LetterChunks chunks(piece, UpperLetterTable(), buffer_);
+    std::string_view letters;  // stands at the start of the buffer
+    while (chunks.Next(letters)) {
+      if (output_ != nullptr) {
+        MaskPiece(buffer_.data(), letters.size(), length_, ranges_, next_);
+        Write(letters);
+      }
+      length_ += letters.size();
+    }
   }
-  file.Write("\n");
-}
+  void End() {
+    EndLabel();
+    Write("\n");
+  }
+  bool Stopped() const { return records_ > 1; }
+
+  std::size_t Records() const { return records_; }
+  std::uint64_t Length() const { return length_; }
+
+ private:
+  void Write(std::string_view bytes) {
+    if (output_ != nullptr && records_ == 1) output_->Write(bytes);
+  }
+  void EndLabel() {
+    if (labelEnded_) return;
+    labelEnded_ = true;
+    Write("\n");
+  }
+
+  OutputFile* output_;
+  const std::vector<SSeq::Range>& ranges_;
+  std::size_t records_ = 0;
+  std::uint64_t length_ = 0;
+  std::size_t next_ = 0;  // the first range not yet passed
+  bool labelEnded_ = false;
+  std::string buffer_;
+};
 
 struct MaskOptions {
   std::string seq;
@@ -151,32 +182,43 @@ bool ReadMaskOptions(Param& param, MaskOptions& options) {
 
 }  // namespace
 
-// The record is masked and written straight from the loaded file.
 bool SSeq::Mask(Param& param) {
+  return Mask(param, kFastaBlockSize);
+}
+
+// A file replaced whole is masked as the record is read, behind its temporary name, and put in
+// place only once every check has passed. Any other output (a stream) gets nothing before then:
+// a first reading checks, a second one writes.
+bool SSeq::Mask(Param& param, std::size_t blockSize) {
   MaskOptions options;
   if (!ReadMaskOptions(param, options)) return false;
-  FileBuf input;
-  if (!input.Load(options.seq.c_str())) return false;
-  FastaScanner scanner(input.View());
-  FastaSpan record;
-  FastaSpan another;
-  if (!scanner.Next(record) || scanner.Next(another)) return false;
-
+  FastaSource input(blockSize);
+  if (!input.Open(options.seq)) return false;
+  // Read now, to mask as the record streams past; its failure is told after the record's.
   std::string text;
-  if (!ReadWhole(options.intervals, text)) {
-    PrintError({" : error, opening file ", options.intervals});
-    return false;
-  }
+  const bool intervalsRead = ReadWhole(options.intervals, text);
   const std::vector<Interval> intervals = ParseIntervals(text);
-  if (!CheckIntervals(intervals, TallyLetters(record.body).All())) return false;
+  const std::vector<SSeq::Range> ranges = MaskedRanges(intervals);
 
-  // The message names the interval file, not the output: scripts match on it.
   OutputFile file;
-  if (!file.Open(options.out, OutputMode::kReplace, OpenFailure::kQuiet)) {
+  const bool streamed = OutputFile::ReplacesWhole(options.out) &&
+                        file.Open(options.out, OutputMode::kReplace, OpenFailure::kQuiet);
+  MaskingSink sink(streamed ? &file : nullptr, ranges);
+  if (!input.Read(sink) || sink.Records() != 1) return false;
+  if (!intervalsRead) {
     PrintError({" : error, opening file ", options.intervals});
     return false;
   }
-  WriteMasked(file, record, UpperLetterTable(), MaskedRanges(intervals));
+  if (!CheckIntervals(intervals, sink.Length())) return false;
+  if (!streamed) {
+    // The message names the interval file, not the output: scripts match on it.
+    if (!file.Open(options.out, OutputMode::kReplace, OpenFailure::kQuiet)) {
+      PrintError({" : error, opening file ", options.intervals});
+      return false;
+    }
+    MaskingSink writer(&file, ranges);
+    if (!input.Read(writer)) return false;
+  }
   return file.Commit();
 }
 

@@ -16,6 +16,10 @@ namespace genetrain {
 // the ends (records kept while the text is still empty get none). Each record's letters are
 // made once, piece by piece, and handed to every output: with the filler as given, or with N in
 // its place (the masked copy of --clean). With no output only the counts are made.
+//
+// A record arrives in pieces of any size. Its letters are held back only until it has as many
+// unambiguous letters as the minimum asks; from then on it is known to be kept and flows
+// straight through. So a record of any length is joined in the memory of the minimum.
 class RecordJoiner {
  public:
   // The minimum arrives as a signed 32-bit number: one of 2^31 or more has turned negative and
@@ -24,9 +28,14 @@ class RecordJoiner {
 
   void AddOutput(JoinedText& text, bool maskFiller = false);
 
-  // Takes a record's sequence, either as read or as raw FASTA text (line ends and all): both are
+  // A whole record's sequence, either as read or as raw FASTA text (line ends and all): both are
   // counted and copied through the single-case view, which leaves read sequences as they are.
   void Add(std::string_view raw);
+
+  // The same in pieces: Begin, any number of Put, End.
+  void Begin();
+  void Put(std::string_view raw);
+  void End();
 
   const SSeq::Tally& All() const { return all_; }
   const SSeq::Tally& Kept() const { return kept_; }
@@ -40,7 +49,10 @@ class RecordJoiner {
     bool maskFiller = false;
   };
 
+  void PutLetters(std::string_view letters, const SSeq::Tally& counts);
+  void Keep();
   void PutFiller();
+  void Emit(std::string_view letters);
 
   std::string filler_;
   std::string maskedFiller_;
@@ -50,6 +62,11 @@ class RecordJoiner {
   SSeq::Tally kept_;
   std::size_t keptRecords_ = 0;
   std::uint64_t length_ = 0;
+  // The record under way: its counts so far, whether it is known to be kept, and its letters
+  // held back until then.
+  SSeq::Tally own_;
+  bool keeping_ = false;
+  std::string held_;
   std::string buffer_;  // the letters of one piece of a record
 };
 

@@ -31,11 +31,13 @@ struct CodingCounts {
 // Renames the records as they stream past: the output gets each new header and the letters,
 // the index a line of new and old label per record. The output is opened with the first record
 // (or at the end, for a file without any), so that an input that cannot be opened is reported
-// before an output that cannot be written.
+// before an output that cannot be written. The index is written as it goes, behind its
+// temporary name, when it replaces a file; otherwise (a stream, or a file that cannot be made)
+// it is gathered and written after the output, where its message has always come.
 class RenamingSink {
  public:
-  RenamingSink(const std::string& output, const std::string& prefix)
-      : output_(output), prefix_(prefix) {}
+  RenamingSink(const std::string& output, const std::string& index, const std::string& prefix)
+      : output_(output), index_(index), prefix_(prefix) {}
 
   void Begin() {
     Open();
@@ -43,11 +45,12 @@ class RenamingSink {
     header_.push_back('>');
     header_.append(prefix_).push_back('.');
     AppendInteger(header_, records_++);
-    names_.append(header_).push_back('\t');
+    Index(header_);
+    Index("\t");
     header_.push_back('\n');
     fasta_.Write(header_);
   }
-  void Label(std::string_view piece) { names_.append(piece); }
+  void Label(std::string_view piece) { Index(piece); }
   void Body(std::string_view piece) {
     if (Stopped()) return;
     LetterChunks chunks(piece, CasePreservingLetterTable(), buffer_);
@@ -55,19 +58,20 @@ class RenamingSink {
     while (chunks.Next(letters)) fasta_.Write(letters);
   }
   void End() {
-    names_.push_back('\n');
+    Index("\n");
     fasta_.Write("\n\n");
   }
-  // An output that cannot be written ends the reading.
+  // An output that cannot be written ends the reading. An index that cannot is told only after
+  // the output is in place, as it has always been.
   bool Stopped() const { return fasta_.Failed(); }
 
-  // Puts the output in place (made now when the input held no record) and hands over the
-  // index; false when the output could not be written.
-  bool Finish(std::string& index) {
+  // Puts the output in place (made now when the input held no record), then the index; false
+  // when either could not be written.
+  bool Finish() {
     Open();
     if (!fasta_.Commit()) return false;
-    index = std::move(names_);
-    return true;
+    if (indexStreamed_) return indexFile_.Commit();
+    return WriteFile(index_, names_);
   }
 
  private:
@@ -75,12 +79,24 @@ class RenamingSink {
     if (opened_) return;
     opened_ = true;
     fasta_.Open(output_);
+    indexStreamed_ = OutputFile::ReplacesWhole(index_) &&
+                     indexFile_.Open(index_, OutputMode::kReplace, OpenFailure::kQuiet);
+  }
+  void Index(std::string_view piece) {
+    if (indexStreamed_) {
+      indexFile_.Write(piece);
+    } else {
+      names_.append(piece);
+    }
   }
 
   const std::string& output_;
+  const std::string& index_;
   const std::string& prefix_;
   OutputFile fasta_;
+  OutputFile indexFile_;
   bool opened_ = false;
+  bool indexStreamed_ = false;
   std::size_t records_ = 0;
   std::string header_, names_, buffer_;
 };
@@ -98,15 +114,16 @@ bool ReadCleanFastaOptions(Param& param, CleanFastaOptions& options) {
 
 }  // namespace
 
-// The input is read block by block, so memory stays small whatever its size; the index, a
-// short line per record, is gathered and written after the records.
 bool MSSeq::CleanFasta(Param& param) {
+  return CleanFasta(param, kFastaBlockSize);
+}
+
+// The input is read block by block, so memory stays small whatever its size.
+bool MSSeq::CleanFasta(Param& param, std::size_t blockSize) {
   CleanFastaOptions options;
   if (!ReadCleanFastaOptions(param, options)) return false;
-  RenamingSink sink(options.output, options.prefix);
-  if (!ReadFastaBlocks(options.input, kFastaBlockSize, sink)) return false;
-  std::string names;
-  return sink.Finish(names) && WriteFile(options.index, names);
+  RenamingSink sink(options.output, options.index, options.prefix);
+  return ReadFastaBlocks(options.input, blockSize, sink) && sink.Finish();
 }
 
 bool MSSeq::CleanCoding(Param& param) {

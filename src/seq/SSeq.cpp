@@ -8,14 +8,6 @@
 
 namespace genetrain {
 
-void SSeq::Tally::Add(const Tally& other) {
-  a += other.a;
-  c += other.c;
-  g += other.g;
-  t += other.t;
-  n += other.n;
-}
-
 void SSeq::WriteLines(std::string_view text, std::uint32_t width, std::string& out) {
   if (text.empty()) return;
   const std::size_t step = width == 0 ? text.size() : width;

@@ -20,7 +20,13 @@ class SSeq : public Report {
     std::uint64_t a = 0, c = 0, g = 0, t = 0, n = 0;
     std::uint64_t Unambiguous() const { return a + c + g + t; }
     std::uint64_t All() const { return a + c + g + t + n; }
-    void Add(const Tally& other);
+    void Add(const Tally& other) {
+      a += other.a;
+      c += other.c;
+      g += other.g;
+      t += other.t;
+      n += other.n;
+    }
   };
   // A [begin, end) range of character positions of a joined text.
   struct Range {
@@ -55,13 +61,18 @@ class SSeq : public Report {
   };
   static bool CountFile(const std::string& name, std::size_t blockSize, FileCounts& counts);
 
-  // Cleaning, joining and masking (--clean_join, --clean, --mask).
+  // Cleaning, joining and masking (--clean_join, --clean, --mask). The input is read in blocks of
+  // kFastaBlockSize, or of the size given.
   bool CleanJoin(Param& param);
+  bool CleanJoin(Param& param, std::size_t blockSize);
   bool Clean(Param& param);
+  bool Clean(Param& param, std::size_t blockSize);
   bool Mask(Param& param);
+  bool Mask(Param& param, std::size_t blockSize);
 
-  // Splitting (--split).
+  // Splitting (--split), reading as above.
   bool Split(Param& param);
+  bool Split(Param& param, std::size_t blockSize);
   // The bounds of the pieces of a sequence cut at runs of N. Leading and trailing runs shrink to
   // the margin; inner runs longer than `maxRun` are cut, each neighbouring piece keeping `margin`
   // letters of the run (or what there is of the sequence).

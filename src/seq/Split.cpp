@@ -5,11 +5,11 @@
 #include <cstring>
 #include <iterator>
 
-#include "common/FileBuf.h"
 #include "common/Format.h"
 #include "common/Message.h"
 #include "common/Output.h"
 #include "seq/FastaScanner.h"
+#include "seq/FastaSource.h"
 #include "seq/SSeq.h"
 
 namespace genetrain {
@@ -224,29 +224,74 @@ std::string SSeq::MakeName(std::string_view first, std::string_view second, std:
   return name;
 }
 
-// Records are read one at a time from the loaded file into one buffer, and written at once:
-// the file is held once, the records never all together.
+namespace {
+
+// Gathers each record as it streams past, label and letters, and writes it (or its pieces)
+// once it is whole: memory holds one record. A file that cannot be written stops the reading.
+class SplittingSink {
+ public:
+  SplittingSink(const SplitOptions& options, const LetterTable& table)
+      : options_(options), table_(table) {}
+
+  void Begin() {
+    ++records_;
+    label_.clear();
+    letters_.clear();
+  }
+  void Label(std::string_view piece) { label_.append(piece); }
+  void Body(std::string_view piece) {
+    if (!failed_) AppendLetters(piece, table_, letters_);
+  }
+  // The rest of the block that held the failure still comes: it is let pass.
+  void End() {
+    if (!failed_) failed_ = !WriteRecord(label_, letters_, options_, k_, text_);
+  }
+  bool Stopped() const { return failed_; }
+
+  std::size_t Records() const { return records_; }
+
+ private:
+  const SplitOptions& options_;
+  const LetterTable& table_;
+  std::size_t records_ = 0;
+  std::int64_t k_ = 0;
+  bool failed_ = false;
+  std::string label_, letters_, text_;
+};
+
+// Reads a file through without keeping anything.
+struct NoSink {
+  void Begin() {}
+  void Label(std::string_view) {}
+  void Body(std::string_view) {}
+  void End() {}
+};
+
+}  // namespace
+
 bool SSeq::Split(Param& param) {
+  return Split(param, kFastaBlockSize);
+}
+
+// Records are written as they are read, so a file is held one record at a time. Every file
+// written is final, so compressed content, whose faults show only at its end, is read through
+// once before anything is written.
+bool SSeq::Split(Param& param, std::size_t blockSize) {
   SplitOptions options;
   if (!ReadOptions(param, options)) return false;
   const LetterTable& table = options.soft ? CasePreservingLetterTable() : UpperLetterTable();
   if (options.base.empty()) options.base = options.seqName;
-  FileBuf file;
-  if (!file.Load(options.seqName.c_str())) return false;
-  FastaScanner scanner(file.View());
-  FastaSpan span;
-  if (!scanner.Next(span)) {
+  FastaSource input(blockSize);
+  if (!input.Open(options.seqName)) return false;
+  NoSink check;
+  if (input.Compressed() && !input.Read(check)) return false;
+  SplittingSink sink(options, table);
+  if (!input.Read(sink)) return false;
+  if (sink.Stopped()) return false;
+  if (sink.Records() == 0) {
     PrintError({"error: no sequence to split"});
     return false;
   }
-  std::int64_t k = 0;
-  std::string letters;
-  std::string text;
-  do {
-    letters.clear();
-    AppendLetters(span.body, table, letters);
-    if (!WriteRecord(span.label, letters, options, k, text)) return false;
-  } while (scanner.Next(span));
   return true;
 }
 
