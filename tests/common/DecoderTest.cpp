@@ -1,0 +1,156 @@
+#include "common/Decoder.h"
+
+#include "TestSupport.h"
+#include "common/Compressors.h"
+
+namespace genetrain {
+namespace {
+
+using Fault = Decoder::Fault;
+using test::Pack;
+
+struct Decoded {
+  std::string text;
+  Fault fault = Fault::kNone;
+};
+
+// Feeds the data in pieces of `inStep` bytes (all at once by default) and takes the output in
+// pieces of `outStep`.
+Decoded Decode(Compression kind, std::string_view packed,
+               std::size_t inStep = std::string_view::npos, std::size_t outStep = 1 << 16) {
+  const std::unique_ptr<Decoder> decoder = MakeDecoder(kind);
+  Decoded result;
+  std::string out(outStep, '\0');
+  for (std::size_t pos = 0; pos <= packed.size(); pos += inStep) {
+    std::string_view piece = packed.substr(pos, inStep);
+    std::size_t made = outStep;
+    while (made == outStep) {  // until the piece is used up and nothing more comes out
+      made = decoder->Decode(piece, out);
+      result.text.append(out, 0, made);
+    }
+    EXPECT_TRUE(piece.empty() || decoder->FaultAtEnd() == Fault::kCorrupt);
+  }
+  result.fault = decoder->FaultAtEnd();
+  return result;
+}
+
+std::string RandomText(unsigned seed, std::size_t size) {
+  std::mt19937 random(seed);
+  std::string text(size, '\0');
+  for (char& byte : text) byte = "ACGTN\n>\0\x1f\x8b"[random() % 10];
+  return text;
+}
+
+std::string Name(Compression kind) {
+  return std::string(CompressionName(kind));
+}
+
+TEST(Decoder, EveryCompressionInPiecesOfAnySizeGivesTheText) {
+  for (const Compression kind : test::kReadCompressions) {
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{300000}}) {
+      const std::string text = RandomText(static_cast<unsigned>(size), size);
+      const std::string packed = Pack(kind, text);
+      ASSERT_EQ(SniffCompression(packed.substr(0, kSniffSize)), kind) << Name(kind);
+      for (const std::size_t inStep : {std::size_t{1}, std::size_t{7}, packed.size()}) {
+        for (const std::size_t outStep : {std::size_t{1}, std::size_t{3}, std::size_t{1} << 16}) {
+          if (size > 1 && inStep * outStep < 7) continue;  // slow and nothing new
+          const Decoded decoded = Decode(kind, packed, inStep, outStep);
+          EXPECT_EQ(decoded.fault, Fault::kNone) << Name(kind) << " " << size << " " << inStep;
+          EXPECT_TRUE(decoded.text == text) << Name(kind) << " " << size << " " << inStep;
+        }
+      }
+    }
+  }
+}
+
+// Files joined with cat: gzip members, bzip2 streams, xz streams (with and without xz's stream
+// padding between them), zstd frames; an empty member anywhere changes nothing.
+TEST(Decoder, JoinedMembersGiveTheJoinedText) {
+  const std::string first = RandomText(1, 70000);
+  const std::string second = RandomText(2, 1000);
+  for (const Compression kind : test::kReadCompressions) {
+    const std::string joined = Pack(kind, first) + Pack(kind, "") + Pack(kind, second);
+    for (const std::size_t inStep : {std::size_t{5}, joined.size()}) {
+      const Decoded decoded = Decode(kind, joined, inStep, 999);
+      EXPECT_EQ(decoded.fault, Fault::kNone) << Name(kind);
+      EXPECT_TRUE(decoded.text == first + second) << Name(kind);
+    }
+  }
+  const std::string padded = test::Xz(first) + std::string(8, '\0') + test::Xz(second);
+  EXPECT_TRUE(Decode(Compression::kXz, padded).text == first + second);
+  EXPECT_EQ(Decode(Compression::kXz, padded).fault, Fault::kNone);
+  EXPECT_EQ(Decode(Compression::kXz, test::Xz(first) + std::string(4, '\0')).fault, Fault::kNone);
+  EXPECT_EQ(Decode(Compression::kXz, test::Xz(first) + std::string(3, '\0')).fault,
+            Fault::kCorrupt);
+  EXPECT_EQ(
+      Decode(Compression::kXz, test::Xz(first) + std::string(6, '\0') + test::Xz(second)).fault,
+      Fault::kCorrupt);
+}
+
+// Cut anywhere: truncated, and what came out is the start of the text. Followed by anything but
+// another member: corrupt, after the whole text.
+TEST(Decoder, CutDataIsTruncatedTrailingBytesCorrupt) {
+  const std::string text = RandomText(4, 3000);
+  for (const Compression kind : test::kReadCompressions) {
+    const std::string packed = Pack(kind, text);
+    for (std::size_t size = 1; size < packed.size(); ++size) {
+      const Decoded decoded = Decode(kind, packed.substr(0, size));
+      EXPECT_EQ(decoded.fault, Fault::kTruncated) << Name(kind) << " cut at " << size;
+      EXPECT_TRUE(text.starts_with(decoded.text)) << Name(kind) << " cut at " << size;
+    }
+    EXPECT_EQ(Decode(kind, packed + packed.substr(0, packed.size() / 2)).fault, Fault::kTruncated)
+        << Name(kind);
+    for (const std::string_view trailer : {"\n", ">plain\nACGT\n", "\x1f\x8b plain"}) {
+      const Decoded decoded = Decode(kind, packed + std::string(trailer), 3, 5);
+      EXPECT_EQ(decoded.fault, Fault::kCorrupt) << Name(kind) << " " << trailer;
+      EXPECT_TRUE(decoded.text == text) << Name(kind);
+    }
+    std::string damaged = packed;
+    damaged[packed.size() / 2] = static_cast<char>(damaged[packed.size() / 2] ^ 0x55);
+    EXPECT_NE(Decode(kind, damaged).fault, Fault::kNone) << Name(kind);
+  }
+}
+
+// The magic bytes, at their edges: a text never passes for compressed, a compressed file never
+// for text, and the known compressions that are not read are still told.
+TEST(Decoder, SniffTellsEachMagicAndNothingElse) {
+  using enum Compression;
+  const std::pair<std::string_view, Compression> cases[] = {
+      {"", kNone},
+      {">a\nACGT\n", kNone},
+      {"\x1f", kNone},
+      {"\x1f\x8b", kGzip},
+      {"\x1f\x9d\x90", kLzw},
+      {"BZh91AY&SY\x01", kBzip2},
+      {"BZh9\x17\x72\x45\x38\x50\x90", kBzip2},  // the empty stream
+      {"BZh9", kBzip2},                          // cut after the header: a truncated bzip2 file
+      {"BZh91AY", kBzip2},
+      {"BZh0", kNone},
+      {"BZh9ACGT", kNone},
+      {"BZh91AYACGT", kNone},
+      {{"\xfd"
+        "7zXZ\0\x00",
+        7},
+       kXz},
+      {"\xfd"
+       "7zXZ",
+       kNone},
+      {"\x28\xb5\x2f\xfd", kZstd},
+      {"\x5a\x2a\x4d\x18", kZstd},  // a skippable frame
+      {"\x28\xb5\x2f", kNone},
+      {"PK\x03\x04", kZip},
+      {"7z\xbc\xaf\x27\x1c", kSevenZip},
+      {"Rar!\x1a\x07\x01", kRar},
+      {"\x04\x22\x4d\x18", kLz4},
+      {"LZIP\x01", kLzip},
+      {"LZIP is a name", kNone},
+  };
+  for (const auto& [start, kind] : cases) {
+    EXPECT_EQ(SniffCompression(start), kind) << start;
+    EXPECT_EQ(MakeDecoder(kind) != nullptr,
+              kind == kGzip || kind == kBzip2 || kind == kXz || kind == kZstd);
+  }
+}
+
+}  // namespace
+}  // namespace genetrain
