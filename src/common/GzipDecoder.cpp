@@ -61,14 +61,19 @@ std::size_t GzipDecoder::Decode(std::string_view& input, std::span<char> output)
     state.next_out = reinterpret_cast<std::uint8_t*>(output.data() + written);
     state.avail_out = static_cast<std::uint32_t>(outSlice);
     const int result = isal_inflate(&state);
+    // After a fault ISA-L's counts of what is left are not to be trusted: the data are corrupt
+    // and nothing more is read from them.
+    if (result < 0 || result == ISAL_NEED_DICT || state.avail_in > inSlice ||
+        state.avail_out > outSlice) {
+      corrupt_ = true;
+      break;
+    }
     const std::size_t used = inSlice - state.avail_in;
     const std::size_t made = outSlice - state.avail_out;
     input.remove_prefix(used);
     written += made;
     memberRead_ = std::min(memberRead_ + used, kFlagOffset + 1);
-    if (result < 0 || result == ISAL_NEED_DICT) {
-      corrupt_ = true;
-    } else if (state.block_state == ISAL_BLOCK_FINISH) {
+    if (state.block_state == ISAL_BLOCK_FINISH) {
       memberEnded_ = true;
     } else if (used == 0 && made == 0) {
       corrupt_ = !input.empty();  // no progress though there was input and room: never valid

@@ -70,8 +70,9 @@ TEST(Decoder, JoinedMembersGiveTheJoinedText) {
   const std::string second = RandomText(2, 1000);
   for (const Compression kind : test::kReadCompressions) {
     const std::string joined = Pack(kind, first) + Pack(kind, "") + Pack(kind, second);
-    for (const std::size_t inStep : {std::size_t{5}, joined.size()}) {
-      const Decoded decoded = Decode(kind, joined, inStep, 999);
+    for (const std::size_t inStep :
+         {std::size_t{1}, std::size_t{2}, std::size_t{5}, joined.size()}) {
+      const Decoded decoded = Decode(kind, joined, inStep, inStep < 5 ? 4096 : 999);
       EXPECT_EQ(decoded.fault, Fault::kNone) << Name(kind);
       EXPECT_TRUE(decoded.text == first + second) << Name(kind);
     }

@@ -91,5 +91,18 @@ TEST(GzipDecoder, CutDataIsTruncatedDamagedDataCorrupt) {
   EXPECT_EQ(joined.text, text);
 }
 
+// Found by the fuzzer: a back reference before the start of the output, on which the decoder
+// once read the library's counts of what was left as if they were valid.
+TEST(GzipDecoder, ReferenceBeforeTheStartIsCorrupt) {
+  const std::string packed(
+      "\x1f\x8b\x08\x00\x00\x00\x00\x00\x00\x03\xb3\xab\xe0\x72\x74\x76\x0f\xf1\xf3\xe3\xb2\x4b"
+      "\xcc\xc9\xf1\xe3\xf2\xf3\xcb\x0b\x8a\xe4\xb2\x4b\xcd\x2d\x28\xa9\xe4\xb2\xcb\x55\xc8\xc9"
+      "\x2f\x4f\x2d\xe2\x4a\x4c\x4e\x0f\xe5\x2a\x05\x49\x14\xe5\x97\xe6\xa5\x70\x39\x82\xa1\x33"
+      "\x97\x5d\x46\x62\x4e\x1a\xd0\x1c\x00\x08\xe0\x02\x00\x84\xec\x62\xa1\x4d\x00\x00\x00",
+      87);
+  EXPECT_EQ(Decode(packed).fault, Fault::kCorrupt);
+  EXPECT_EQ(Decode(packed, 1, 1).fault, Fault::kCorrupt);
+}
+
 }  // namespace
 }  // namespace genetrain
