@@ -6,6 +6,8 @@
 #include <zstd.h>
 
 #include <cstdint>
+#include <memory>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -60,6 +62,41 @@ inline std::string Pack(Compression kind, std::string_view text) {
     default:
       return std::string(text);
   }
+}
+
+// What a decoder made of some data, and its verdict.
+struct Decoded {
+  std::string text;
+  Decoder::Fault fault = Decoder::Fault::kNone;
+};
+
+// Feeds the data to a decoder of the compression in pieces of `inStep` bytes (all at once by
+// default) and takes the output in pieces of `outStep`.
+inline Decoded Decode(Compression kind, std::string_view packed,
+                      std::size_t inStep = std::string_view::npos, std::size_t outStep = 1 << 16) {
+  const std::unique_ptr<Decoder> decoder = MakeDecoder(kind);
+  Decoded result;
+  std::string out(outStep, '\0');
+  for (std::size_t pos = 0; pos <= packed.size(); pos += inStep) {
+    std::string_view piece = packed.substr(pos, inStep);
+    std::size_t made = outStep;
+    while (made == outStep) {  // until the piece is used up and nothing more comes out
+      made = decoder->Decode(piece, out);
+      result.text.append(out, 0, made);
+    }
+    EXPECT_TRUE(piece.empty() || decoder->FaultAtEnd() == Decoder::Fault::kCorrupt);
+  }
+  result.fault = decoder->FaultAtEnd();
+  return result;
+}
+
+// Letters, line ends and the bytes of the gzip magic, so that the texts hold what could be taken
+// for the start of a member.
+inline std::string RandomText(unsigned seed, std::size_t size) {
+  std::mt19937 random(seed);
+  std::string text(size, '\0');
+  for (char& byte : text) byte = "ACGTN\n>\0\x1f\x8b"[random() % 10];
+  return text;
 }
 
 inline constexpr Compression kReadCompressions[] = {Compression::kGzip, Compression::kBzip2,

@@ -7,39 +7,10 @@ namespace genetrain {
 namespace {
 
 using Fault = Decoder::Fault;
+using test::Decode;
+using test::Decoded;
 using test::Pack;
-
-struct Decoded {
-  std::string text;
-  Fault fault = Fault::kNone;
-};
-
-// Feeds the data in pieces of `inStep` bytes (all at once by default) and takes the output in
-// pieces of `outStep`.
-Decoded Decode(Compression kind, std::string_view packed,
-               std::size_t inStep = std::string_view::npos, std::size_t outStep = 1 << 16) {
-  const std::unique_ptr<Decoder> decoder = MakeDecoder(kind);
-  Decoded result;
-  std::string out(outStep, '\0');
-  for (std::size_t pos = 0; pos <= packed.size(); pos += inStep) {
-    std::string_view piece = packed.substr(pos, inStep);
-    std::size_t made = outStep;
-    while (made == outStep) {  // until the piece is used up and nothing more comes out
-      made = decoder->Decode(piece, out);
-      result.text.append(out, 0, made);
-    }
-    EXPECT_TRUE(piece.empty() || decoder->FaultAtEnd() == Fault::kCorrupt);
-  }
-  result.fault = decoder->FaultAtEnd();
-  return result;
-}
-
-std::string RandomText(unsigned seed, std::size_t size) {
-  std::mt19937 random(seed);
-  std::string text(size, '\0');
-  for (char& byte : text) byte = "ACGTN\n>\0\x1f\x8b"[random() % 10];
-  return text;
-}
+using test::RandomText;
 
 std::string Name(Compression kind) {
   return std::string(CompressionName(kind));
