@@ -6,8 +6,10 @@
 #include <zstd_errors.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 namespace genetrain {
@@ -20,6 +22,9 @@ constexpr std::size_t kMaxSlice = UINT_MAX;
 // zstd refuses frames whose window is larger than 128 MB unless told otherwise; files made with
 // --long=31 need the largest window of 64-bit builds, 2 GB.
 constexpr int kZstdWindowLogMax = 31;
+
+// The longest zstd frame header: magic 4, descriptor 1, window 1, dictionary id 4, content size 8.
+constexpr std::size_t kZstdHeaderMax = 18;
 
 }  // namespace
 
@@ -164,8 +169,30 @@ Decoder::Fault XzDecoder::FaultAtEnd() const {
 
 // ---- zstd
 
+// zstd checks a frame's content size against its header only when it decodes the frame in one
+// piece (the whole frame at hand, room for all of it): a frame whose header promises more than
+// its blocks hold passes when streamed. The decoder checks it itself, from the first bytes of
+// each frame, so that every reader finds the same faults whatever the size of its pieces.
 struct ZstdDecoder::State {
   ZSTD_DCtx* context = nullptr;
+  std::array<char, kZstdHeaderMax> header{};
+  std::size_t headerSize = 0;
+  std::uint64_t frameOutput = 0;
+
+  // The bytes zstd took, of which the first ones of a frame are its header.
+  void Took(std::string_view bytes) {
+    const std::size_t count = std::min(bytes.size(), header.size() - headerSize);
+    std::memcpy(header.data() + headerSize, bytes.data(), count);
+    headerSize += count;
+  }
+  bool FrameSizeAgrees() {
+    const unsigned long long promised = ZSTD_getFrameContentSize(header.data(), headerSize);
+    const bool agrees = promised == ZSTD_CONTENTSIZE_UNKNOWN ||
+                        promised == ZSTD_CONTENTSIZE_ERROR || promised == frameOutput;
+    headerSize = 0;
+    frameOutput = 0;
+    return agrees;
+  }
 };
 
 ZstdDecoder::ZstdDecoder() : state_(std::make_unique<State>()) {
@@ -178,23 +205,29 @@ ZstdDecoder::~ZstdDecoder() {
   ZSTD_freeDCtx(state_->context);
 }
 
-// zstd goes from one frame to the next by itself and refuses bytes that start none.
+// zstd goes from one frame to the next by itself, stopping at each frame's end, and refuses bytes
+// that start none.
 std::size_t ZstdDecoder::Decode(std::string_view& input, std::span<char> output) {
+  State& state = *state_;
   std::size_t written = 0;
   while (written < output.size() && !corrupt_) {
     if (input.empty() && frameEnded_) break;
     ZSTD_inBuffer in{input.data(), input.size(), 0};
     ZSTD_outBuffer out{output.data() + written, output.size() - written, 0};
-    const std::size_t result = ZSTD_decompressStream(state_->context, &out, &in);
-    input.remove_prefix(in.pos);
-    written += out.pos;
+    const std::size_t result = ZSTD_decompressStream(state.context, &out, &in);
     if (ZSTD_isError(result) != 0) {
       if (ZSTD_getErrorCode(result) == ZSTD_error_memory_allocation) throw std::bad_alloc();
       corrupt_ = true;
       break;
     }
+    state.Took(input.substr(0, in.pos));
+    input.remove_prefix(in.pos);
+    written += out.pos;
+    state.frameOutput += out.pos;
     frameEnded_ = result == 0;
-    if (in.pos == 0 && out.pos == 0) {
+    if (frameEnded_ && !state.FrameSizeAgrees()) {
+      corrupt_ = true;
+    } else if (in.pos == 0 && out.pos == 0) {
       corrupt_ = !input.empty();  // no progress though there was input and room: never valid
       break;
     }

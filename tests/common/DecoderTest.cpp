@@ -83,6 +83,21 @@ TEST(Decoder, CutDataIsTruncatedTrailingBytesCorrupt) {
   }
 }
 
+// Found by the fuzzer: a zstd frame whose header promises 16 bytes and whose one block is empty
+// (its check sum that of no bytes) passed when decoded in small pieces of output and failed in
+// large ones. Every reader must find it corrupt, whatever its block size.
+TEST(Decoder, ZstdFrameShorterThanItsHeaderSaysIsCorruptInAnyPieces) {
+  const std::string frame("\x28\xb5\x2f\xfd\x24\x10\x01\x00\x00\x99\xe9\xd8\x51", 13);
+  for (const std::size_t outStep : {std::size_t{1}, std::size_t{8}, std::size_t{1} << 16}) {
+    EXPECT_EQ(Decode(Compression::kZstd, frame, std::string_view::npos, outStep).fault,
+              Fault::kCorrupt)
+        << outStep;
+    EXPECT_EQ(Decode(Compression::kZstd, test::Zstd(">a\n") + frame, 1, outStep).fault,
+              Fault::kCorrupt)
+        << outStep;
+  }
+}
+
 // The magic bytes, at their edges: a text never passes for compressed, a compressed file never
 // for text, and the known compressions that are not read are still told.
 TEST(Decoder, SniffTellsEachMagicAndNothingElse) {
