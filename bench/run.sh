@@ -72,6 +72,8 @@ source "$root/bench/lib/commands.sh"
 source "$root/bench/lib/genes.sh"
 # shellcheck source=bench/lib/plot.sh
 source "$root/bench/lib/plot.sh"
+# shellcheck source=bench/lib/compressed.sh
+source "$root/bench/lib/compressed.sh"
 
 install_from_debian() {
   local package=$1
@@ -313,6 +315,7 @@ main() {
       for size in $sizes; do run_size "$size"; done
       linearity
       note_linearity
+      run_compressed
       if [ "$with_genes" = 1 ]; then run_genes; fi
       echo
       echo "Whole run: $(($(date +%s) - started)) s including input generation."

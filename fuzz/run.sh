@@ -8,8 +8,8 @@ set -euo pipefail
 seconds=${1:-30}
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build-fuzz"
-targets=(param_text param_file param_argv fasta_file fasta_scanner fasta_blocks gzip_input geneset
-  model_file gibbs mask)
+targets=(param_text param_file param_argv fasta_file fasta_scanner fasta_blocks compressed_input
+  geneset model_file gibbs mask)
 
 # clang with the fuzzer runtime.
 if ! command -v clang++ >/dev/null ||

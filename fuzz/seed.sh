@@ -80,8 +80,9 @@ seed_case() {
       # Byte 0 picks a block of 8 bytes.
       { printf '\7'; cat "$file"; } > "$staging" && put fasta_blocks
     fi
-    if [ "$(head -c 2 "$file" | od -An -tx1 | tr -d ' \n')" = 1f8b ]; then
-      { printf '\7'; cat "$file"; } > "$staging" && put gzip_input
+    # Compressed files (gzip, bzip2, xz, zstd), by their magic bytes.
+    if head -c 4 "$file" | od -An -tx1 | tr -d ' \n' | grep -q -E '^(1f8b|425a68|fd377a58|28b52ffd)'; then
+      { printf '\7'; cat "$file"; } > "$staging" && put compressed_input
       { printf '\7'; cat "$file"; } > "$staging" && put fasta_blocks
     fi
     if grep -q -a -e PHMM -e NONC "$file"; then

@@ -5,7 +5,14 @@ missing=()
 command -v cmake >/dev/null || missing+=(cmake)
 command -v g++ >/dev/null || missing+=(g++)
 [ -e /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
+# zlib makes the tests' gzip samples; the programs decode gzip with ISA-L, bzip2, xz and zstd
+# with their own libraries, found through pkg-config.
 [ -e /usr/include/zlib.h ] || missing+=(zlib1g-dev)
+command -v pkg-config >/dev/null || missing+=(pkgconf)
+[ -e /usr/include/isa-l/igzip_lib.h ] || missing+=(libisal-dev)
+[ -e /usr/include/bzlib.h ] || missing+=(libbz2-dev)
+[ -e /usr/include/lzma.h ] || missing+=(liblzma-dev)
+[ -e /usr/include/zstd.h ] || missing+=(libzstd-dev)
 # genefind's command line parser (header only).
 [ -e /usr/include/CLI/CLI.hpp ] || missing+=(libcli11-dev)
 # `make package` (CI's make test-package): with dpkg-shlibdeps there, CMakeLists.txt has CPack work

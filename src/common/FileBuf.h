@@ -15,7 +15,7 @@ class InputStream;
 // one text. The content may hold zero bytes of its own: View() gives the exact range.
 class FileBuf {
  public:
-  // Loads the named file, replacing any earlier content; gzip content is decoded. On failure
+  // Loads the named file, replacing any earlier content; compressed content is decoded. On failure
   // prints its message on standard error, leaves the buffer empty and returns false.
   bool Load(const char* name);
 
@@ -24,8 +24,8 @@ class FileBuf {
   std::size_t Size() const { return size_; }
   std::string_view View() const { return {data_.get(), size_}; }
 
-  // Appends what remains of an open stream to the text, decoding gzip content; false on a read
-  // error or bad gzip data. `name`, if given, is shown in the gzip messages.
+  // Appends what remains of an open stream to the text, decoding compressed content; false on a
+  // read error or bad compressed data. `name`, if given, is shown in the decoders' messages.
   static bool ReadRest(std::FILE* file, std::string& text, const char* name = nullptr);
 
  private:

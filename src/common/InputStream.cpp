@@ -13,12 +13,24 @@ namespace {
 // Compressed bytes are read in pieces of this size.
 constexpr std::size_t kPackedChunk = std::size_t{1} << 20;
 
-void PrintFault(GzipDecoder::Fault fault, const std::string& name) {
-  const char* what = fault == GzipDecoder::Fault::kCorrupt ? "corrupt" : "truncated";
+void PrintFault(Decoder::Fault fault, Compression kind, const std::string& name) {
+  const char* what = fault == Decoder::Fault::kCorrupt ? "corrupt" : "truncated";
+  const std::string compression(CompressionName(kind));
   if (name.empty()) {
-    std::fprintf(stderr, "error: %s gzip data\n", what);
+    std::fprintf(stderr, "error: %s %s data\n", what, compression.c_str());
   } else {
-    std::fprintf(stderr, "error: %s gzip data in file <%s>\n", what, name.c_str());
+    std::fprintf(stderr, "error: %s %s data in file <%s>\n", what, compression.c_str(),
+                 name.c_str());
+  }
+}
+
+void PrintUnreadable(Compression kind, const std::string& name) {
+  const std::string compression(CompressionName(kind));
+  if (name.empty()) {
+    std::fprintf(stderr, "error: data compressed with %s cannot be read\n", compression.c_str());
+  } else {
+    std::fprintf(stderr, "error: file <%s> is compressed with %s, which cannot be read\n",
+                 name.c_str(), compression.c_str());
   }
 }
 
@@ -66,8 +78,8 @@ void InputStream::PrintReadError() const {
 }
 
 // The first request goes straight into the block: plain content is then read exactly as it
-// would be without this reader. Only a block too small to tell gzip from plain content waits for
-// the first two bytes apart.
+// would be without this reader. Only a block too small to tell compressed from plain content
+// waits for the first bytes apart.
 std::size_t InputStream::Read(std::span<char> block) {
   if (!started_) {
     started_ = true;
@@ -96,26 +108,34 @@ bool InputStream::ReadRest(std::string& text) {
 
 std::size_t InputStream::ReadFirst(std::span<char> block) {
   const std::size_t got = ReadPlain(block.data(), block.size());
-  if (failed_ || !GzipDecoder::IsGzip({block.data(), got})) return got;
-  StartDecoding({block.data(), got}, got < block.size());
-  return ReadDecoded(block);
+  if (failed_ || !StartDecoding({block.data(), got}, got < block.size())) return got;
+  return failed_ ? 0 : ReadDecoded(block);
 }
 
 void InputStream::ReadLead() {
   leadSize_ = ReadPlain(lead_.data(), lead_.size());
-  if (failed_ || !GzipDecoder::IsGzip({lead_.data(), leadSize_})) return;
-  StartDecoding({lead_.data(), leadSize_}, false);
+  if (failed_ || !StartDecoding({lead_.data(), leadSize_}, leadSize_ < lead_.size())) return;
   leadSize_ = 0;
 }
 
-// The compressed bytes read so far move to the decoder's input, which they may outgrow.
-void InputStream::StartDecoding(std::string_view packed, bool atEnd) {
-  decoder_ = std::make_unique<GzipDecoder>();
+// False for plain content. Otherwise the compressed bytes read so far move to the decoder's
+// input, which they may outgrow; a compression that is not read fails the stream at once, before
+// any of its bytes could pass for letters.
+bool InputStream::StartDecoding(std::string_view packed, bool atEnd) {
+  kind_ = SniffCompression(packed.substr(0, kSniffSize));
+  if (kind_ == Compression::kNone) return false;
+  decoder_ = MakeDecoder(kind_);
+  if (decoder_ == nullptr) {
+    PrintUnreadable(kind_, name_);
+    failed_ = true;
+    return true;
+  }
   packedSize_ = std::max(kPackedChunk, packed.size());
   packed_.reset(new char[packedSize_]);
   std::memcpy(packed_.get(), packed.data(), packed.size());
   pending_ = {packed_.get(), packed.size()};
   packedEnd_ = atEnd;
+  return true;
 }
 
 std::size_t InputStream::ReadPlain(char* out, std::size_t size) {
@@ -136,11 +156,11 @@ std::size_t InputStream::ReadDecoded(std::span<char> block) {
     if (pending_.empty() && !packedEnd_) Refill();
     if (failed_) break;
     got += decoder_->Decode(pending_, block.subspan(got));
-    const GzipDecoder::Fault fault = decoder_->FaultAtEnd();
+    const Decoder::Fault fault = decoder_->FaultAtEnd();
     const bool atEnd = pending_.empty() && packedEnd_;
-    if (fault == GzipDecoder::Fault::kCorrupt || (atEnd && got < block.size())) {
-      if (fault != GzipDecoder::Fault::kNone) {
-        PrintFault(fault, name_);
+    if (fault == Decoder::Fault::kCorrupt || (atEnd && got < block.size())) {
+      if (fault != Decoder::Fault::kNone) {
+        PrintFault(fault, kind_, name_);
         failed_ = true;
       }
       break;

@@ -9,14 +9,15 @@
 #include <string>
 #include <string_view>
 
-#include "common/GzipDecoder.h"
+#include "common/Decoder.h"
 
 namespace genetrain {
 
 // The content of an input file, or of what remains of an open stream, read piece by piece.
-// Content that begins with the gzip magic bytes is decoded on the way, whatever the file is
-// called, so callers see the same bytes as for the uncompressed file. Plain content is read
-// straight into the caller's memory.
+// Content that begins with the magic bytes of gzip, bzip2, xz or zstd is decoded on the way,
+// whatever the file is called, so callers see the same bytes as for the uncompressed file; other
+// known compressions are refused by name. Plain content is read straight into the caller's
+// memory.
 class InputStream {
  public:
   InputStream() = default;
@@ -37,7 +38,7 @@ class InputStream {
   std::uint64_t FileSize() const { return fileSize_; }
 
   // Fills the block as far as the content goes: less than its size only at the end or after a
-  // failure. Gzip faults are reported on standard error as they are found.
+  // failure. Faults of compressed data are reported on standard error as they are found.
   std::size_t Read(std::span<char> block);
   // Appends all that remains; false on a failure.
   bool ReadRest(std::string& text);
@@ -49,7 +50,7 @@ class InputStream {
  private:
   std::size_t ReadFirst(std::span<char> block);
   void ReadLead();
-  void StartDecoding(std::string_view packed, bool atEnd);
+  bool StartDecoding(std::string_view packed, bool atEnd);
   std::size_t ReadPlain(char* out, std::size_t size);
   std::size_t ReadDecoded(std::span<char> block);
   void Refill();
@@ -61,12 +62,14 @@ class InputStream {
   std::uint64_t fileSize_ = 0;
   bool started_ = false;
   bool failed_ = false;
-  // The first bytes, read apart to tell gzip from plain content when the first block is smaller.
-  std::array<char, 2> lead_{};
+  // The first bytes, read apart to tell compressed from plain content when the first block is
+  // smaller.
+  std::array<char, kSniffSize> lead_{};
   std::size_t leadSize_ = 0;
   std::size_t leadUsed_ = 0;
-  // Gzip only: the decoder and the compressed bytes read but not yet decoded.
-  std::unique_ptr<GzipDecoder> decoder_;
+  // Compressed content only: its decoder and the compressed bytes read but not yet decoded.
+  Compression kind_ = Compression::kNone;
+  std::unique_ptr<Decoder> decoder_;
   std::unique_ptr<char[]> packed_;
   std::size_t packedSize_ = 0;
   std::string_view pending_;

@@ -19,8 +19,8 @@ namespace {
 constexpr std::size_t kMaxTokens = 10;
 using Tokens = std::array<std::string_view, kMaxTokens>;
 
-// The whole file, gzip content decoded; a file that cannot be opened or read (a folder, say)
-// is reported, after the gzip message if the data were bad.
+// The whole file, compressed content decoded; a file that cannot be opened or read (a folder,
+// say) is reported, after the decoder's message if the data were bad.
 bool LoadText(const std::string& name, std::string& text) {
   std::FILE* file = std::fopen(name.c_str(), "rb");
   bool ok = file != nullptr;

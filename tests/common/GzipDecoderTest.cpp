@@ -1,43 +1,19 @@
 #include "common/GzipDecoder.h"
 
 #include "TestSupport.h"
+#include "common/Compressors.h"
 
 namespace genetrain {
 namespace {
 
 using Fault = GzipDecoder::Fault;
+using test::Decoded;
 using test::Gzip;
+using test::RandomText;
 
-struct Decoded {
-  std::string text;
-  Fault fault = Fault::kNone;
-};
-
-// Feeds the data in pieces of `inStep` bytes (all at once by default) and takes the output in
-// pieces of `outStep`.
 Decoded Decode(std::string_view packed, std::size_t inStep = std::string_view::npos,
                std::size_t outStep = 1 << 16) {
-  GzipDecoder decoder;
-  Decoded result;
-  std::string out(outStep, '\0');
-  for (std::size_t pos = 0; pos <= packed.size(); pos += inStep) {
-    std::string_view piece = packed.substr(pos, inStep);
-    std::size_t made = outStep;
-    while (made == outStep) {  // until the piece is used up and nothing more comes out
-      made = decoder.Decode(piece, out);
-      result.text.append(out, 0, made);
-    }
-    EXPECT_TRUE(piece.empty() || decoder.FaultAtEnd() == Fault::kCorrupt);
-  }
-  result.fault = decoder.FaultAtEnd();
-  return result;
-}
-
-std::string RandomText(unsigned seed, std::size_t size) {
-  std::mt19937 random(seed);
-  std::string text(size, '\0');
-  for (char& byte : text) byte = "ACGTN\n>\0\x1f\x8b"[random() % 10];
-  return text;
+  return test::Decode(Compression::kGzip, packed, inStep, outStep);
 }
 
 TEST(GzipDecoder, PiecesOfAnySizeGiveTheSameText) {
@@ -89,6 +65,19 @@ TEST(GzipDecoder, CutDataIsTruncatedDamagedDataCorrupt) {
   const Decoded joined = Decode(packed + "\x1f\x8b plain text");
   EXPECT_EQ(joined.fault, Fault::kCorrupt);
   EXPECT_EQ(joined.text, text);
+}
+
+// Found by the fuzzer: a back reference before the start of the output, on which the decoder
+// once read the library's counts of what was left as if they were valid.
+TEST(GzipDecoder, ReferenceBeforeTheStartIsCorrupt) {
+  const std::string packed(
+      "\x1f\x8b\x08\x00\x00\x00\x00\x00\x00\x03\xb3\xab\xe0\x72\x74\x76\x0f\xf1\xf3\xe3\xb2\x4b"
+      "\xcc\xc9\xf1\xe3\xf2\xf3\xcb\x0b\x8a\xe4\xb2\x4b\xcd\x2d\x28\xa9\xe4\xb2\xcb\x55\xc8\xc9"
+      "\x2f\x4f\x2d\xe2\x4a\x4c\x4e\x0f\xe5\x2a\x05\x49\x14\xe5\x97\xe6\xa5\x70\x39\x82\xa1\x33"
+      "\x97\x5d\x46\x62\x4e\x1a\xd0\x1c\x00\x08\xe0\x02\x00\x84\xec\x62\xa1\x4d\x00\x00\x00",
+      87);
+  EXPECT_EQ(Decode(packed).fault, Fault::kCorrupt);
+  EXPECT_EQ(Decode(packed, 1, 1).fault, Fault::kCorrupt);
 }
 
 }  // namespace
