@@ -40,7 +40,8 @@ struct CommandLine {
 void AddConvert(CLI::App& app, CommandLine& line) {
   CLI::App* convert = app.add_subcommand(
       "convert",
-      "Turn the CDS of a GFF3 or GenBank annotation (gzip or plain) into the six-column gene set "
+      "Turn the CDS of a GFF3 or GenBank annotation (plain, gzip, bzip2, xz or zstd) into the "
+      "six-column gene set "
       "that genetrain --geneset reads, or into GFF3; a gene set can be turned into GFF3 too.");
   convert
       ->add_option("-r,--record", line.convert.record,
@@ -62,18 +63,19 @@ void AddConvert(CLI::App& app, CommandLine& line) {
   convert->add_flag("-q,--quiet", line.convert.quiet,
                     "No note on standard error of the CDS kept and left out");
   convert
-      ->add_option("ANNOTATION", line.convert.input,
-                   "GFF3, GenBank or gene-set file, gzip or plain; - for standard input")
+      ->add_option(
+          "ANNOTATION", line.convert.input,
+          "GFF3, GenBank or gene-set file, plain, gzip, bzip2, xz or zstd; - for standard input")
       ->type_name("FILE")
       ->required();
   convert->callback([&line] { line.command = Command::kConvert; });
 }
 
 void AddPredict(CLI::App& app, CommandLine& line) {
-  CLI::App* predict = app.add_subcommand(
-      "predict",
-      "Predict the protein-coding genes of every record of a FASTA file (gzip or plain) with a "
-      "model file as genetrain --mkmod writes it.");
+  CLI::App* predict = app.add_subcommand("predict",
+                                         "Predict the protein-coding genes of every record of a "
+                                         "FASTA file (plain, gzip, bzip2, xz or zstd) with a "
+                                         "model file as genetrain --mkmod writes it.");
   PredictOptions& options = line.predict;
   predict
       ->add_option("-m,--model", options.model,
@@ -115,9 +117,10 @@ void AddPredict(CLI::App& app, CommandLine& line) {
   predict->add_flag("-q,--quiet", options.quiet,
                     "No progress on standard error (shown only when it is a terminal)");
   predict
-      ->add_option("GENOME", options.input,
-                   "FASTA file of the genome, contigs or metagenome, gzip or plain; - for "
-                   "standard input")
+      ->add_option(
+          "GENOME", options.input,
+          "FASTA file of the genome, contigs or metagenome, plain, gzip, bzip2, xz or zstd; - for "
+          "standard input")
       ->type_name("FILE")
       ->required();
   predict->callback([&line] { line.command = Command::kPredict; });
@@ -127,7 +130,8 @@ void AddMotif(CLI::App& app, CommandLine& line) {
   CLI::App* motif = app.add_subcommand(
       "motif",
       "Find the ribosome binding site motif, one site per region, in the upstream regions that "
-      "genetrain --pre_start writes (FASTA, gzip or plain), with a Gibbs site sampler; the "
+      "genetrain --pre_start writes (FASTA, plain, gzip, bzip2, xz or zstd), with a Gibbs site "
+      "sampler; the "
       "sites are written as genetrain --gibbs reads them.");
   SamplerSettings& sampler = line.motif.sampler;
   motif->add_option("-w,--width", sampler.width, "Motif width")
@@ -182,7 +186,8 @@ void AddMotif(CLI::App& app, CommandLine& line) {
                   "No report (consensus, information, spacers) on standard error");
   motif
       ->add_option("REGIONS", line.motif.input,
-                   "FASTA file of regions of one length, gzip or plain; - for standard input")
+                   "FASTA file of regions of one length, plain, gzip, bzip2, xz or zstd; - for "
+                   "standard input")
       ->type_name("FILE")
       ->required();
   motif->callback([&line] { line.command = Command::kMotif; });
@@ -193,7 +198,8 @@ void AddTrainingOptions(CLI::App* command, TrainCommandOptions& options) {
   command
       ->add_option("-g,--genes", options.genes,
                    "Train on these genes instead of finding them: a six-column gene set, GFF3 or "
-                   "GenBank (as genefind convert reads), gzip or plain; records are matched by "
+                   "GenBank (as genefind convert reads), plain, gzip, bzip2, xz or zstd; records "
+                   "are matched by "
                    "name")
       ->type_name("FILE");
   command
@@ -232,16 +238,19 @@ void AddTrainingOptions(CLI::App* command, TrainCommandOptions& options) {
 }
 
 void AddTrain(CLI::App& app, CommandLine& line) {
-  CLI::App* train = app.add_subcommand(
-      "train",
-      "Train a model of a genome (FASTA, gzip or plain; a draft's records together), without "
-      "annotation or from its genes (-g), in genetrain's model format.");
+  CLI::App* train =
+      app.add_subcommand("train",
+                         "Train a model of a genome (FASTA, plain, gzip, bzip2, xz or zstd; a "
+                         "draft's records together), without "
+                         "annotation or from its genes (-g), in genetrain's model format.");
   train->add_option("-o,--output", line.train.output, "Model file, written whole or not at all")
       ->type_name("FILE")
       ->required();
   AddTrainingOptions(train, line.train);
   train->add_flag("-q,--quiet", line.train.quiet, "No report of the rounds on standard error");
-  train->add_option("GENOME", line.train.input, "FASTA file of the genome, gzip or plain")
+  train
+      ->add_option("GENOME", line.train.input,
+                   "FASTA file of the genome, plain, gzip, bzip2, xz or zstd")
       ->type_name("FILE")
       ->required();
   train->callback([&line] { line.command = Command::kTrain; });
@@ -269,7 +278,8 @@ void AddRun(CLI::App& app, CommandLine& line) {
       ->type_name("FILE");
   AddTrainingOptions(run, line.run.train);
   run->add_flag("-q,--quiet", predict.quiet, "No report of the rounds, no progress");
-  run->add_option("GENOME", predict.input, "FASTA file of the genome, gzip or plain")
+  run->add_option("GENOME", predict.input,
+                  "FASTA file of the genome, plain, gzip, bzip2, xz or zstd")
       ->type_name("FILE")
       ->required();
   run->callback([&line] { line.command = Command::kRun; });
