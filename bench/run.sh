@@ -43,8 +43,6 @@ data=${BENCH_DATA:-$root/bench/data}
 bin=${GENETRAIN:-$root/build/genetrain}
 doc=${BENCH_DOC-$root/docs/performance.md}
 plot=${BENCH_PLOT-$root/docs/bench-scaling.svg}
-# Bump when metagen.cpp changes what it writes, so that stale inputs are not reused.
-generator_version=1
 # The counting commands read in blocks: their peak memory, whatever the input size.
 counting_memory_mb=64
 # The cleaning commands stream their input: at most 128 MB of memory for the joins and the
@@ -74,6 +72,8 @@ source "$root/bench/lib/genes.sh"
 source "$root/bench/lib/plot.sh"
 # shellcheck source=bench/lib/compressed.sh
 source "$root/bench/lib/compressed.sh"
+# shellcheck source=bench/lib/metagenome.sh
+source "$root/bench/lib/metagenome.sh"
 
 install_from_debian() {
   local package=$1
@@ -112,33 +112,19 @@ check_tools() {
   fi
 }
 
-# The generator is rebuilt when its source is newer than the binary.
+# The k-mer floor of the model commands is rebuilt when its source is newer than the binary (the
+# input generator likewise, in bench/lib/metagenome.sh).
 build_generator() {
-  generator=$data/bin/metagen
-  if [ ! -x "$generator" ] || [ "$root/bench/metagen.cpp" -nt "$generator" ]; then
-    say "compiling bench/metagen.cpp"
-    g++ -std=c++20 -O2 -Wall -Wextra -o "$generator" "$root/bench/metagen.cpp"
-  fi
   floor=$data/bin/kmer_floor
   if [ "$with_model" = 1 ] && { [ ! -x "$floor" ] || [ "$root/bench/kmer_floor.c" -nt "$floor" ]; }; then
     say "compiling bench/kmer_floor.c"
+    mkdir -p "$data/bin"
     gcc -O2 -Wall -Wextra -o "$floor" "$root/bench/kmer_floor.c"
   fi
 }
 
-# Prints the name of the input of the given size in MB, generating it when absent: contigs cut
-# from the two real E. coli sequences of examples/ (see bench/metagen.cpp).
-input_file() {
-  local size=$1
-  local file=$data/metagenome_v${generator_version}_${size}MB.fa
-  if [ ! -s "$file" ]; then
-    say "generating $file"
-    gzip -dc "$root/examples/ecoli_mg1655.fasta.gz" "$root/examples/ecoli_mg1655_contigs.fasta.gz" |
-      "$generator" "$((size * 1000000))" > "$file.part"
-    mv "$file.part" "$file"
-  fi
-  printf '%s\n' "$file"
-}
+# Prints the name of the input of the given size in MB, generating it when absent.
+input_file() { metagenome_input "$root" "$data" "$1"; }
 
 run_size() {
   local size=$1 in mb records

@@ -1,6 +1,6 @@
 # The metagenome-like inputs of the benchmarks: contigs cut from the two real E. coli sequences of
-# examples/ by bench/metagen.cpp, kept in bench/data/ between runs. Sourced by bench/run.sh and
-# bench/predict_metagenome.sh.
+# examples/ by bench/metagen.cpp, kept in bench/data/ between runs. Sourced by bench/run.sh (for
+# its own rows and those of bench/lib/compressed.sh) and by bench/predict_metagenome.sh.
 # shellcheck shell=bash
 
 # Bump when metagen.cpp changes what it writes, so that stale inputs are not reused.
