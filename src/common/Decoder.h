@@ -51,7 +51,16 @@ class Decoder {
   virtual std::size_t Decode(std::string_view& input, std::span<char> output) = 0;
 
   // The verdict once the whole input has been decoded: corrupt data, a member cut short, or none.
-  virtual Fault FaultAtEnd() const = 0;
+  virtual Fault FaultAtEnd() const {
+    if (corrupt_) return Fault::kCorrupt;
+    return memberEnded_ ? Fault::kNone : Fault::kTruncated;
+  }
+
+ protected:
+  // What Decode has found so far: the last member (or frame) read to its end, and data that can
+  // never be valid.
+  bool memberEnded_ = false;
+  bool corrupt_ = false;
 };
 
 // The decoder of a compression; null for kNone and for the compressions that are not read.

@@ -83,9 +83,4 @@ std::size_t GzipDecoder::Decode(std::string_view& input, std::span<char> output)
   return written;
 }
 
-Decoder::Fault GzipDecoder::FaultAtEnd() const {
-  if (corrupt_) return Fault::kCorrupt;
-  return memberEnded_ ? Fault::kNone : Fault::kTruncated;
-}
-
 }  // namespace genetrain

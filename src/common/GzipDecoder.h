@@ -16,13 +16,10 @@ class GzipDecoder final : public Decoder {
   ~GzipDecoder() override;
 
   std::size_t Decode(std::string_view& input, std::span<char> output) override;
-  Fault FaultAtEnd() const override;
 
  private:
   std::unique_ptr<inflate_state> state_;
-  bool memberEnded_ = false;
   std::size_t memberRead_ = 0;  // bytes of the member taken so far, counted up to its flags
-  bool corrupt_ = false;
 };
 
 }  // namespace genetrain

@@ -94,11 +94,6 @@ std::size_t Bzip2Decoder::Decode(std::string_view& input, std::span<char> output
   return written;
 }
 
-Decoder::Fault Bzip2Decoder::FaultAtEnd() const {
-  if (corrupt_) return Fault::kCorrupt;
-  return memberEnded_ ? Fault::kNone : Fault::kTruncated;
-}
-
 // ---- xz
 
 struct XzDecoder::State {
@@ -163,8 +158,7 @@ std::size_t XzDecoder::Decode(std::string_view& input, std::span<char> output) {
 }
 
 Decoder::Fault XzDecoder::FaultAtEnd() const {
-  if (corrupt_ || padding_ % 4 != 0) return Fault::kCorrupt;
-  return memberEnded_ ? Fault::kNone : Fault::kTruncated;
+  return padding_ % 4 != 0 ? Fault::kCorrupt : Decoder::FaultAtEnd();
 }
 
 // ---- zstd
@@ -211,7 +205,7 @@ std::size_t ZstdDecoder::Decode(std::string_view& input, std::span<char> output)
   State& state = *state_;
   std::size_t written = 0;
   while (written < output.size() && !corrupt_) {
-    if (input.empty() && frameEnded_) break;
+    if (input.empty() && memberEnded_) break;
     ZSTD_inBuffer in{input.data(), input.size(), 0};
     ZSTD_outBuffer out{output.data() + written, output.size() - written, 0};
     const std::size_t result = ZSTD_decompressStream(state.context, &out, &in);
@@ -224,8 +218,8 @@ std::size_t ZstdDecoder::Decode(std::string_view& input, std::span<char> output)
     input.remove_prefix(in.pos);
     written += out.pos;
     state.frameOutput += out.pos;
-    frameEnded_ = result == 0;
-    if (frameEnded_ && !state.FrameSizeAgrees()) {
+    memberEnded_ = result == 0;
+    if (memberEnded_ && !state.FrameSizeAgrees()) {
       corrupt_ = true;
     } else if (in.pos == 0 && out.pos == 0) {
       corrupt_ = !input.empty();  // no progress though there was input and room: never valid
@@ -233,11 +227,6 @@ std::size_t ZstdDecoder::Decode(std::string_view& input, std::span<char> output)
     }
   }
   return written;
-}
-
-Decoder::Fault ZstdDecoder::FaultAtEnd() const {
-  if (corrupt_) return Fault::kCorrupt;
-  return frameEnded_ ? Fault::kNone : Fault::kTruncated;
 }
 
 }  // namespace genetrain

@@ -15,13 +15,10 @@ class Bzip2Decoder final : public Decoder {
   Bzip2Decoder();
   ~Bzip2Decoder() override;
   std::size_t Decode(std::string_view& input, std::span<char> output) override;
-  Fault FaultAtEnd() const override;
 
  private:
   struct State;
   std::unique_ptr<State> state_;
-  bool memberEnded_ = false;
-  bool corrupt_ = false;
 };
 
 class XzDecoder final : public Decoder {
@@ -34,8 +31,6 @@ class XzDecoder final : public Decoder {
  private:
   struct State;
   std::unique_ptr<State> state_;
-  bool memberEnded_ = false;
-  bool corrupt_ = false;
   // Zero bytes after a stream: xz's stream padding, valid in multiples of four.
   std::size_t padding_ = 0;
 };
@@ -45,13 +40,10 @@ class ZstdDecoder final : public Decoder {
   ZstdDecoder();
   ~ZstdDecoder() override;
   std::size_t Decode(std::string_view& input, std::span<char> output) override;
-  Fault FaultAtEnd() const override;
 
  private:
   struct State;
   std::unique_ptr<State> state_;
-  bool frameEnded_ = false;
-  bool corrupt_ = false;
 };
 
 }  // namespace genetrain

@@ -1,5 +1,6 @@
 #include <cstdint>
 
+#include "StreamedSupport.h"
 #include "TestSupport.h"
 #include "common/Output.h"
 #include "seq/JoinedText.h"
@@ -50,17 +51,6 @@ void PutInPieces(JoinedText& out, std::string_view text, std::mt19937& random) {
   }
 }
 
-// Every run of N cut to `maximum`, letter by letter: the plain version of the trim.
-std::string TrimmedPlainly(std::string_view text, std::size_t maximum) {
-  std::string out;
-  std::size_t run = 0;
-  for (const char letter : text) {
-    run = letter == 'N' ? run + 1 : 0;
-    if (run <= maximum) out.push_back(letter);
-  }
-  return out;
-}
-
 // Each run of at least |left| + |right| N, found in the text as a whole, flanked.
 std::string FlankedByHand(const std::string& text, const std::string& left,
                           const std::string& right) {
@@ -81,7 +71,7 @@ TEST(JoinedText, EditsInPiecesAgreeWithTheWholeText) {
   std::mt19937 random(7);
   for (const std::string& text : Texts(random)) {
     for (const std::size_t maximum : {0, 1, 2, 11}) {
-      const std::string whole = TrimmedPlainly(text, maximum);
+      const std::string whole = streamed::TrimRuns(text, maximum);
       JoinedFile out;
       out.text.TrimRuns(maximum);
       PutInPieces(out.text, text, random);
@@ -107,7 +97,7 @@ TEST(JoinedText, LongTextGoesOutInSlicesOrIsOnlyCounted) {
     text.append(static_cast<std::size_t>(i) * 60000, 'N');
   }
   for (int i = 0; i < 300000; ++i) text.append("ACG").append(static_cast<std::size_t>(i % 7), 'N');
-  const std::string expected = TrimmedPlainly(text, 1500000);
+  const std::string expected = streamed::TrimRuns(text, 1500000);
   JoinedFile streamed;
   streamed.text.TrimRuns(1500000);
   streamed.text.Put(text);

@@ -109,7 +109,8 @@ inline PlainJoin Join(const std::vector<PlainRecord>& records, const std::string
   return join;
 }
 
-inline std::string TrimRuns(const std::string& text, std::size_t maximum) {
+// Every run of N cut to `maximum`, letter by letter: the plain version of the trim.
+inline std::string TrimRuns(std::string_view text, std::size_t maximum) {
   std::string out;
   std::size_t run = 0;
   for (const char letter : text) {
