@@ -211,8 +211,8 @@ void AddTrainingOptions(CLI::App* command, TrainCommandOptions& options) {
       ->capture_default_str();
   command
       ->add_option("--order", options.order,
-                   "Order of the Markov chains, 1 to 8; 0 chooses by the genome's size (5 from "
-                   "1 Mb, 4 from 300 kb, else 3)")
+                   "Order of the Markov chains, 1 to 8; 0 chooses by the genome's size (4 from "
+                   "300 kb, else 3)")
       ->type_name("N")
       ->check(CLI::Range(0, 8))
       ->capture_default_str();

@@ -138,10 +138,12 @@ std::string ScratchFile(const std::string& folder, std::string_view what) {
   return folder + "/genefind-" + std::to_string(::getpid()) + "-" + std::string(what) + ".mod";
 }
 
+// Order 5 describes the typical genes of a genome more sharply than order 4 and so misses more
+// of its short and atypical ones. On six genomes of 1.7 to 9.1 Mb, order 4 gave 0.2 to 0.9
+// points more sensitivity for 0.1 to 1.4 points of precision, and start agreement from 1.1 points
+// lower to 1.2 points higher. Below 300 kb the genes cannot fill order 4's 1,024 words a frame.
 int OrderFor(std::int64_t bases) {
-  if (bases < 300000) return 3;
-  if (bases < 1000000) return 4;
-  return 5;
+  return bases < 300000 ? 3 : 4;
 }
 
 bool TrainUnsupervised(const TrainingGenome& genome, const TrainOptions& options,

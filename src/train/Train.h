@@ -53,7 +53,7 @@ std::vector<std::vector<PredictedGene>> PredictRecords(const TrainingGenome& gen
 // A scratch file of this process in `folder`, named after what it holds.
 std::string ScratchFile(const std::string& folder, std::string_view what);
 
-// The order of the chains for a genome of this many bases: 5, and lower for small genomes, whose
+// The order of the chains for a genome of this many bases: 4, and 3 for small genomes, whose
 // genes cannot fill the 4^(order+1) words of each frame.
 int OrderFor(std::int64_t bases);
 
