@@ -4,19 +4,16 @@
 # RBS sections genetrain --gibbs appends from its output to a model.
 #   motif_real.sh GENEFIND GENETRAIN EXAMPLES_DIR
 set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 genefind=$(realpath "$1")
 genetrain=$(realpath "$2")
 examples=$(realpath "$3")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
+# shellcheck source=tests/e2e/common.sh
+source "$here/common.sh"
+enter_scratch
 gzip -dc "$examples/ecoli_mg1655.fasta.gz" > genome.fa
 gzip -dc "$examples/ecoli_mg1655_curated.genes.gz" > genes.txt
 
-fail() {
-  echo "FAIL: $*"
-  exit 1
-}
 section() {
   awk -v key="$1" '$1 == key { on = 1; next } on && (NF == 0 || $1 ~ /^[A-Z0-9]{3}[A-Z0-9_]$/) { exit } on' "$2"
 }

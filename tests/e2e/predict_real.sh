@@ -9,13 +9,9 @@ genefind=$(realpath "$1")
 genetrain=$(realpath "$2")
 examples=$(realpath "$3")
 bench=$(realpath "$4")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-fail() {
-  echo "FAIL: $*" >&2
-  exit 1
-}
+# shellcheck source=tests/e2e/common.sh
+source "$here/common.sh"
+enter_scratch
 
 # The core's readers take the gzip files as they are.
 "$genetrain" --mkmod ecoli.mod --par "$examples/ecoli.par" --seq "$examples/ecoli_mg1655.fasta.gz" \
@@ -26,13 +22,7 @@ fail() {
 report=$(python3 "$bench/gene_accuracy.py" "$examples/ecoli_mg1655_curated.genes.gz" ecoli.gff genefind)
 echo "$report"
 # Floors a little below the figures of today's finder (96.9, 96.9, 79.1 %).
-python3 - "$report" << 'EOF' || fail "accuracy below the floor: $report"
-import re, sys
-figures = dict(re.findall(r"(sensitivity|precision|start agreement) ([0-9.]+) %", sys.argv[1]))
-floors = {"sensitivity": 96.5, "precision": 96.5, "start agreement": 78.5}
-low = [name for name, floor in floors.items() if float(figures[name]) < floor]
-sys.exit(1 if low else 0)
-EOF
+accuracy_floors "$report" 96.5 96.5 78.5
 # The best gene set holds every chosen gene, so none has less than even odds against another
 # start of its stop (a longer start that scores more alone but pushes out a neighbour is not
 # a better set).
