@@ -20,12 +20,8 @@ source "$root/bench/lib/metagenome.sh"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# Wall seconds, CPU seconds and peak kB of one command, into wall, cpu and peak.
-measure() {
-  /usr/bin/time -f "%e %U %S %M" -o "$work/time" "$@"
-  read -r wall user system peak < "$work/time"
-  cpu=$(printf "%.2f" "$(echo "$user + $system" | bc)")
-}
+# shellcheck source=bench/lib/measure_once.sh
+source "$root/bench/lib/measure_once.sh"
 
 gzip -dc "$root/examples/ecoli_mg1655.fasta.gz" > "$work/ecoli.fa"
 "$build/genefind" train -q -o "$work/ecoli.mod" "$work/ecoli.fa"
@@ -36,7 +32,7 @@ for size in $sizes; do
   records=$(grep -c '>' "$input")
   declare -A wall_of=()
   for threads in 1 2; do
-    measure "$build/genefind" predict -q -t "$threads" -m "$work/ecoli.mod" \
+    measure_once "$build/genefind" predict -q -t "$threads" -m "$work/ecoli.mod" \
       -o "$work/t$threads.gff" "$input"
     wall_of[$threads]=$wall
     printf '%s MB (%s records), -t %s: wall %s s, cpu %s s, %.1f Mb/s, peak %d MB\n' \
@@ -49,11 +45,11 @@ for size in $sizes; do
 done
 if [ "$with_prodigal" = 1 ] && command -v prodigal > /dev/null; then
   input=$(metagenome_input "$root" "$data" 10)
-  measure "$build/genefind" predict -q -m "$work/ecoli.mod" -o "$work/t1.gff" "$input"
+  measure_once "$build/genefind" predict -q -m "$work/ecoli.mod" -o "$work/t1.gff" "$input"
   printf 'genefind predict, 10 MB: wall %s s, cpu %s s, peak %d MB\n' "$wall" "$cpu" \
     "$((peak / 1024))"
   genefind_cpu=$cpu
-  measure prodigal -q -p meta -i "$input" -f gff -o "$work/prodigal.gff"
+  measure_once prodigal -q -p meta -i "$input" -f gff -o "$work/prodigal.gff"
   printf 'prodigal -p meta, 10 MB: wall %s s, cpu %s s, peak %d MB; genefind / prodigal cpu %.3f\n' \
     "$wall" "$cpu" "$((peak / 1024))" "$(echo "$genefind_cpu / $cpu" | bc -l)"
 fi

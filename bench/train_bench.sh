@@ -20,17 +20,13 @@ accuracy() { python3 "$root/bench/gene_accuracy.py" "$@"; }
 have_prodigal=0
 command -v prodigal > /dev/null && have_prodigal=1
 
-# Wall seconds, CPU seconds and peak kB of one command, into the variables wall, cpu and peak.
-measure() {
-  /usr/bin/time -f "%e %U %S %M" -o "$work/time" "$@"
-  read -r wall user system peak < "$work/time"
-  cpu=$(echo "$user + $system" | bc)
-}
+# shellcheck source=bench/lib/measure_once.sh
+source "$root/bench/lib/measure_once.sh"
 
 echo "== E. coli K-12 MG1655, no annotation given"
 gzip -dc "$root/examples/ecoli_mg1655.fasta.gz" > "$work/ecoli.fa"
 curated=$root/examples/ecoli_mg1655_curated.genes.gz
-measure "$genefind" run -q --model-out "$work/run.mod" -o "$work/run.gff" "$work/ecoli.fa"
+measure_once "$genefind" run -q --model-out "$work/run.mod" -o "$work/run.gff" "$work/ecoli.fa"
 run_wall=$wall
 echo "genefind run: wall $wall s, cpu $cpu s, peak $((peak / 1024)) MB"
 accuracy "$curated" "$work/run.gff" "genefind run"
@@ -45,7 +41,7 @@ fi
 "$genefind" predict -q -m "$work/supervised.mod" -o "$work/supervised.gff" "$work/ecoli.fa"
 accuracy "$curated" "$work/supervised.gff" "genefind, model trained on the curated genes (-g)"
 if [ "$have_prodigal" = 1 ]; then
-  measure prodigal -q -i "$work/ecoli.fa" -f gff -o "$work/prodigal.gff"
+  measure_once prodigal -q -i "$work/ecoli.fa" -f gff -o "$work/prodigal.gff"
   echo "prodigal: wall $wall s, cpu $cpu s, peak $((peak / 1024)) MB"
   accuracy "$curated" "$work/prodigal.gff" prodigal
   printf 'wall ratio genefind run / prodigal: %.3f (target <= 0.5)\n' \
@@ -63,11 +59,11 @@ for file in "${CCT_GENOMES[@]}"; do
   genome=$work/$name.fa genes=$work/$name.genes
   cct_genome "$genefind" "$file" "$name" "$genome" "$genes"
   echo "== $name, no annotation given"
-  measure "$genefind" run -q -o "$work/run.gff" "$genome"
+  measure_once "$genefind" run -q -o "$work/run.gff" "$genome"
   echo "genefind run: wall $wall s, peak $((peak / 1024)) MB"
   accuracy "$genes" "$work/run.gff" "genefind run"
   if [ "$have_prodigal" = 1 ]; then
-    measure prodigal -q -i "$genome" -f gff -o "$work/prodigal.gff"
+    measure_once prodigal -q -i "$genome" -f gff -o "$work/prodigal.gff"
     echo "prodigal: wall $wall s, peak $((peak / 1024)) MB"
     accuracy "$genes" "$work/prodigal.gff" prodigal
     accuracy "$work/prodigal.gff" "$work/run.gff" "genefind run against prodigal"
@@ -95,9 +91,9 @@ if [ "$have_prodigal" = 1 ]; then
       *) gzip -dc "$input" > "$work/agree.fa" ;;
     esac
     records=$(grep -c '^>' "$work/agree.fa")
-    measure "$genefind" run -q -o "$work/agree.gff" "$work/agree.fa"
+    measure_once "$genefind" run -q -o "$work/agree.gff" "$work/agree.fa"
     genefind_wall=$wall
-    measure prodigal -q -i "$work/agree.fa" -f gff -o "$work/agree.prodigal.gff"
+    measure_once prodigal -q -i "$work/agree.fa" -f gff -o "$work/agree.prodigal.gff"
     printf '%s (%s records): wall %s s against %s s (%.2f); ' "$name" "$records" \
       "$genefind_wall" "$wall" "$(echo "$genefind_wall / $wall" | bc -l)"
     accuracy "$work/agree.prodigal.gff" "$work/agree.gff" "genefind run against prodigal"
@@ -110,11 +106,11 @@ grep -v '^>' "$big" | tr -d '\n' > "$work/big.txt"
 for mb in 1 2 4 7 9.1; do
   bases=$(awk -v m="$mb" 'BEGIN { printf "%d", m * 1000000 }')
   { echo ">slice"; head -c "$bases" "$work/big.txt" | fold -w 80; } > "$work/slice.fa"
-  measure "$genefind" run -q -o "$work/slice.gff" "$work/slice.fa"
+  measure_once "$genefind" run -q -o "$work/slice.gff" "$work/slice.fa"
   line="$mb Mb: genefind run wall $wall s, peak $((peak / 1024)) MB"
   if [ "$have_prodigal" = 1 ]; then
     genefind_wall=$wall
-    measure prodigal -q -i "$work/slice.fa" -f gff -o "$work/slice.prodigal.gff"
+    measure_once prodigal -q -i "$work/slice.fa" -f gff -o "$work/slice.prodigal.gff"
     line="$line; prodigal wall $wall s, peak $((peak / 1024)) MB; ratio $(printf '%.2f' \
       "$(echo "$genefind_wall / $wall" | bc -l)")"
   fi
