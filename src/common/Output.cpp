@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "common/BackgroundWriter.h"
 #include "common/Message.h"
 #include "common/PendingFiles.h"
 
@@ -28,7 +29,9 @@ namespace {
 std::atomic<std::FILE*> noteStream{nullptr};  // null: standard output
 }  // namespace
 
-void SetNoteStream(std::FILE* stream) { noteStream = stream; }
+void SetNoteStream(std::FILE* stream) {
+  noteStream = stream;
+}
 
 void WriteStdout(std::string_view text) {
   std::FILE* stream = noteStream.load();
@@ -41,8 +44,6 @@ namespace {
 // out, which spares the copy for the 1 MB slices of the streaming commands.
 constexpr std::size_t kBuffer = std::size_t{1} << 20;
 constexpr std::size_t kStraight = kBuffer / 4;
-// The kernel takes at most about 2 GB per write.
-constexpr std::size_t kMaxWrite = std::size_t{1} << 30;
 
 bool StartsWith(std::string_view text, std::string_view prefix) {
   return text.substr(0, prefix.size()) == prefix;
@@ -82,6 +83,8 @@ void CopyOwnership(int fd, const struct stat& status) {
 }
 
 }  // namespace
+
+OutputFile::OutputFile() = default;
 
 OutputFile::~OutputFile() {
   Discard();
@@ -202,8 +205,17 @@ void OutputFile::Write(std::string_view bytes) {
     case Kind::kAppend:
       buffer_.append(bytes);
       return;
-    case Kind::kDirect:
     case Kind::kTemporary:
+      // Gathered in whole buffers for the writing thread, whatever the pieces' sizes.
+      while (!bytes.empty() && error_ == 0) {
+        if (buffer_.capacity() < kBuffer) buffer_.reserve(kBuffer);
+        const std::size_t part = std::min(bytes.size(), kBuffer - buffer_.size());
+        buffer_.append(bytes.substr(0, part));
+        bytes.remove_prefix(part);
+        if (buffer_.size() == kBuffer) HandOver(buffer_);
+      }
+      return;
+    case Kind::kDirect:
       break;
   }
   if (bytes.size() >= kStraight) {
@@ -215,22 +227,37 @@ void OutputFile::Write(std::string_view bytes) {
   buffer_.append(bytes);
 }
 
+void OutputFile::Give(std::string& bytes) {
+  if (kind_ != Kind::kTemporary || bytes.size() < kStraight || error_ != 0) {
+    Write(bytes);
+    bytes.clear();
+    return;
+  }
+  if (!buffer_.empty()) HandOver(buffer_);
+  HandOver(bytes);
+}
+
+void OutputFile::HandOver(std::string& bytes) {
+  if (!writer_) writer_ = std::make_unique<BackgroundWriter>(fd_);
+  bytes = writer_->Push(std::move(bytes));
+  bytes.clear();
+  if (const int error = writer_->Error(); error != 0) Fail(error);
+}
+
+void OutputFile::StopWriter() {
+  if (!writer_) return;
+  if (const int error = writer_->Finish(); error != 0) Fail(error);
+  writer_.reset();
+}
+
 void OutputFile::Flush() {
   WriteOut(buffer_);
   buffer_.clear();
 }
 
 void OutputFile::WriteOut(std::string_view bytes) {
-  while (!bytes.empty() && error_ == 0) {
-    const ssize_t done = ::write(fd_, bytes.data(), std::min(bytes.size(), kMaxWrite));
-    if (done < 0 && errno == EINTR) continue;
-    if (done < 0) {
-      Fail(errno);
-    } else if (done == 0) {
-      Fail(ENOSPC);
-    } else {
-      bytes.remove_prefix(static_cast<std::size_t>(done));
-    }
+  if (error_ == 0 && !bytes.empty()) {
+    if (const int error = WriteFully(fd_, bytes); error != 0) Fail(error);
   }
 }
 
@@ -262,6 +289,7 @@ bool OutputFile::Commit() {
       Close();
       break;
     case Kind::kTemporary:
+      StopWriter();
       if (error_ == 0) Flush();
       Close();
       if (error_ == 0 && ::rename(temporary_.c_str(), target_.c_str()) != 0) Fail(errno);
@@ -278,6 +306,10 @@ bool OutputFile::Commit() {
 }
 
 void OutputFile::Discard() {
+  if (writer_) {
+    writer_->Finish();
+    writer_.reset();
+  }
   Close();
   if (!temporary_.empty()) {
     ::unlink(temporary_.c_str());

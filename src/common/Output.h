@@ -3,10 +3,13 @@
 
 #include <cstdio>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace genetrain {
+
+class BackgroundWriter;
 
 // Writes a whole text to an open stream. Texts beyond a few MB go out in slices of 8 MB, which
 // the kernel takes faster than one giant request.
@@ -40,6 +43,10 @@ enum class OpenFailure {
 // names under /dev and /proc) are written directly, since renaming over them would replace the
 // name rather than feed the reader.
 //
+// A temporary file is written by a thread of its own once its first full buffer goes out, so
+// that the kernel's copying overlaps the making of the next bytes; smaller outputs never start
+// one.
+//
 // An appended file gets its addition in one write at Commit; a short write (a full disk) cuts
 // the file back to its old size.
 //
@@ -49,7 +56,7 @@ enum class OpenFailure {
 // Failures print "error: file <NAME> cannot be written: REASON" once and make Commit false.
 class OutputFile {
  public:
-  OutputFile() = default;
+  OutputFile();
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -59,6 +66,9 @@ class OutputFile {
   // Buffered: small pieces are gathered, large ones go straight out. After a failure the bytes
   // are dropped, and Commit reports it.
   void Write(std::string_view bytes);
+  // Write for a buffer the caller refills: its bytes may be taken over without a copy. `bytes`
+  // comes back empty, possibly with the capacity of an earlier buffer.
+  void Give(std::string& bytes);
   // Puts the output in place. False (the message printed) when anything failed since Open; the
   // target is then as it was (but for direct targets, which have no old state to keep).
   bool Commit();
@@ -78,6 +88,10 @@ class OutputFile {
   bool OpenDirect(const std::string& target, int flags);
   void Flush();
   void WriteOut(std::string_view bytes);
+  // Queues the full buffer for the writing thread, starting it the first time.
+  void HandOver(std::string& bytes);
+  // Waits for the writing thread to end, taking over its failure.
+  void StopWriter();
   bool AppendPending();
   // Records the first failure; Report prints it once.
   bool Fail(int error);
@@ -93,6 +107,7 @@ class OutputFile {
   int pendingSlot_ = -1;
   bool reported_ = false;
   std::string buffer_;
+  std::unique_ptr<BackgroundWriter> writer_;  // Kind::kTemporary only
 };
 
 // The whole text to the named file (standard output for an empty name), replaced or appended

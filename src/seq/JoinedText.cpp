@@ -126,7 +126,7 @@ void JoinedText::EmitN(std::uint64_t count) {
 }
 
 void JoinedText::Flush() {
-  if (output_ != nullptr && !slice_.empty()) output_->Write(slice_);
+  if (output_ != nullptr && !slice_.empty()) output_->Give(slice_);
   slice_.clear();
 }
 

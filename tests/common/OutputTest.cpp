@@ -1,5 +1,7 @@
 #include "common/Output.h"
 
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -7,6 +9,7 @@
 #include <csignal>
 
 #include "TestSupport.h"
+#include "common/BackgroundWriter.h"
 
 namespace genetrain {
 namespace {
@@ -40,22 +43,79 @@ TEST(OutputFile, ReplacesWholeOnCommitOnlyKeepingPermissionsAndLinks) {
   EXPECT_EQ(dir.Entries(), 2);
 }
 
-// Pieces of every size around the buffer's limits arrive in order: the gathered and the
-// straight paths against one plain string.
+// Pieces of every size around the buffer's limits arrive in order, written or given, through
+// the gathering buffer and the writing thread: against one plain string.
 TEST(OutputFile, PiecesOfAnySizeArriveInOrder) {
   test::ScratchDir dir;
   std::mt19937 random(13);
-  std::uniform_int_distribution<std::size_t> size(0, 400000);
+  std::uniform_int_distribution<std::size_t> size(0, 1500000);
   std::string expected;
   OutputFile file;
   ASSERT_TRUE(file.Open(dir.Path("out")));
-  for (int i = 0; i < 40; ++i) {
+  std::string given;
+  for (int i = 0; i < 60; ++i) {
     std::string piece(i % 3 == 0 ? size(random) : size(random) % 200, 'a' + (i % 26));
     expected += piece;
-    file.Write(piece);
+    if (i % 2 == 0) {
+      file.Write(piece);
+    } else {
+      given.assign(piece);
+      file.Give(given);
+      EXPECT_TRUE(given.empty());
+    }
   }
+  EXPECT_EQ(test::ReadFile(dir.Path("out")), "");  // nothing in place before Commit
   ASSERT_TRUE(file.Commit());
   EXPECT_EQ(test::ReadFile(dir.Path("out")), expected);
+}
+
+// A write that fails on the writing thread (here beyond the process's file size limit) fails
+// Commit with the usual message, leaves the target as it was and no temporary file behind.
+TEST(OutputFile, FailureOnTheWritingThreadFailsCommit) {
+  test::ScratchDir dir;
+  const std::string path = dir.Write("out.txt", "kept\n");
+  const pid_t pid = ::fork();
+  if (pid == 0) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{rlim_t{3} << 20, rlim_t{3} << 20};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    ::close(2);
+    ::open(dir.Path("stderr.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    OutputFile file;
+    file.Open(path);
+    std::string slice;
+    for (int i = 0; i < 12; ++i) {
+      slice.assign(1 << 20, 'x');
+      file.Give(slice);
+    }
+    ::_exit(file.Commit() ? 1 : 0);
+  }
+  int status = 0;
+  ::waitpid(pid, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(test::ReadFile(path), "kept\n");
+  EXPECT_EQ(test::ReadFile(dir.Path("stderr.txt")),
+            "error: file <" + path + "> cannot be written: File too large\n");
+  EXPECT_EQ(dir.Entries(), 2);
+}
+
+// After a failure the writer drops what it is given rather than leaving Push waiting.
+TEST(BackgroundWriter, FailureDropsTheRestAndIsReportedOnce) {
+  test::ScratchDir dir;
+  const std::string path = dir.Write("in.txt", "");
+  const int fd = ::open(path.c_str(), O_RDONLY);
+  ASSERT_GE(fd, 0);
+  BackgroundWriter writer(fd);
+  std::string buffer;
+  for (int i = 0; i < 20; ++i) {
+    buffer.assign(1000, 'x');
+    buffer = writer.Push(std::move(buffer));
+    EXPECT_TRUE(buffer.empty());
+  }
+  EXPECT_EQ(writer.Finish(), EBADF);
+  EXPECT_EQ(writer.Finish(), EBADF);
+  ::close(fd);
 }
 
 // The temporary file goes when a termination signal ends the process before it is in place.
