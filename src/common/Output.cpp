@@ -114,12 +114,21 @@ struct Target {
   int error = 0;  // the target cannot be examined
 };
 
+// One lstat settles a name that is no link, the common case: a new output costs one look-up.
 Target Examine(const std::string& name) {
   Target target;
   target.path = name;
   target.direct = IsStreamName(name);
-  if (!target.direct && ::lstat(name.c_str(), &target.status) == 0 &&
-      S_ISLNK(target.status.st_mode)) {
+  if (!target.direct) {
+    if (::lstat(name.c_str(), &target.status) != 0) {
+      if (errno != ENOENT) target.error = errno;
+      return target;
+    }
+    if (!S_ISLNK(target.status.st_mode)) {
+      target.exists = true;
+      target.direct = !S_ISREG(target.status.st_mode);
+      return target;
+    }
     target.path = Resolved(name);
     // A dangling link is written through, which creates the file it names.
     target.direct = target.path.empty() || IsStreamName(target.path);
@@ -129,6 +138,26 @@ Target Examine(const std::string& name) {
   if (!target.exists && errno != ENOENT) target.error = errno;
   if (target.exists && !S_ISREG(target.status.st_mode)) target.direct = true;
   return target;
+}
+
+// The folder part of a path, with its slash; empty for a bare name.
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+// A name for a temporary file next to the target, unique within the process; O_EXCL or an
+// EEXIST from link settles a clash with anyone else.
+std::string TemporaryName(const std::string& target) {
+  const std::string folder = FolderOf(target);
+  // Room for the suffix within the 255 bytes of a file name.
+  const std::string base = target.substr(folder.size(), 200);
+  static std::atomic<unsigned> counter{0};
+  static const std::string pid = std::to_string(::getpid());
+  std::string name = folder;
+  name.append(".").append(base).append(".").append(pid).append(".");
+  name.append(std::to_string(counter++)).append(".tmp");
+  return name;
 }
 
 }  // namespace
@@ -158,6 +187,10 @@ bool OutputFile::OpenTarget(OutputMode mode) {
     kind_ = Kind::kDirect;
     return true;
   }
+  if (!target.exists && OpenUnnamed(target_)) {
+    kind_ = Kind::kTemporary;
+    return true;
+  }
   if (!OpenTemporary(target_)) return false;
   if (target.exists) CopyOwnership(fd_, target.status);
   kind_ = Kind::kTemporary;
@@ -174,15 +207,8 @@ bool OutputFile::OpenDirect(const std::string& target, int flags) {
 // The temporary file is created, not opened: O_EXCL keeps a name someone else holds, and the
 // mode 0666 lets the process's umask set a new file's permissions as for the target itself.
 bool OutputFile::OpenTemporary(const std::string& target) {
-  const std::size_t slash = target.rfind('/');
-  const std::string folder = slash == std::string::npos ? "" : target.substr(0, slash + 1);
-  // Room for the suffix within the 255 bytes of a file name.
-  const std::string base = target.substr(slash == std::string::npos ? 0 : slash + 1, 200);
-  // Names are unique within the process; O_EXCL settles a clash with anyone else.
-  static std::atomic<unsigned> counter{0};
-  static const std::string pid = std::to_string(::getpid());
   for (int attempt = 0; attempt < 100; ++attempt) {
-    temporary_ = folder + "." + base + "." + pid + "." + std::to_string(counter++) + ".tmp";
+    temporary_ = TemporaryName(target);
     fd_ = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd_ >= 0) {
       pendingSlot_ = HoldPending(temporary_);
@@ -191,6 +217,44 @@ bool OutputFile::OpenTemporary(const std::string& target) {
     if (errno != EEXIST && errno != EINTR) break;
   }
   temporary_.clear();
+  return Fail(errno);
+}
+
+// A new target is first an unnamed file in its folder, given the target's name at Commit: a
+// process that dies on the way leaves nothing behind, and the folder changes once rather than
+// twice (create, then rename), the larger part of the cost of thousands of small outputs. Where
+// the file system has no unnamed files, or /proc is not mounted, the named file serves instead.
+bool OutputFile::OpenUnnamed(const std::string& target) {
+  static const bool procFds = ::access("/proc/self/fd", X_OK) == 0;
+  if (!procFds) return false;
+  const std::string folder = FolderOf(target);
+  const char* where = folder.empty() ? "." : folder.c_str();
+  do {
+    fd_ = ::open(where, O_WRONLY | O_TMPFILE | O_CLOEXEC, 0666);
+  } while (fd_ < 0 && errno == EINTR);
+  unnamed_ = fd_ >= 0;
+  return unnamed_;
+}
+
+// Links the unnamed file under the target's name. A target made by someone else since Open is
+// replaced, as an existing one is, through a temporary name. True when the name is new.
+bool OutputFile::LinkUnnamed() {
+  const std::string self = "/proc/self/fd/" + std::to_string(fd_);
+  if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, target_.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+    return true;
+  }
+  if (errno != EEXIST) return Fail(errno);
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    const std::string temporary = TemporaryName(target_);
+    if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, temporary.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+      if (::rename(temporary.c_str(), target_.c_str()) != 0) {
+        Fail(errno);
+        ::unlink(temporary.c_str());
+      }
+      return false;
+    }
+    if (errno != EEXIST) break;
+  }
   return Fail(errno);
 }
 
@@ -291,6 +355,14 @@ bool OutputFile::Commit() {
     case Kind::kTemporary:
       StopWriter();
       if (error_ == 0) Flush();
+      if (unnamed_) {
+        const bool linkedNew = error_ == 0 && LinkUnnamed();
+        Close();
+        // Written but not kept: a name made here goes again.
+        if (error_ != 0 && linkedNew) ::unlink(target_.c_str());
+        unnamed_ = false;
+        break;
+      }
       Close();
       if (error_ == 0 && ::rename(temporary_.c_str(), target_.c_str()) != 0) Fail(errno);
       if (error_ != 0) ::unlink(temporary_.c_str());
@@ -311,6 +383,7 @@ void OutputFile::Discard() {
     writer_.reset();
   }
   Close();
+  unnamed_ = false;
   if (!temporary_.empty()) {
     ::unlink(temporary_.c_str());
     ReleasePending(pendingSlot_);

@@ -41,7 +41,9 @@ enum class OpenFailure {
 // it changes. An existing target that may not be written is refused rather than replaced, and the
 // replacement keeps its permissions. Targets that are not regular files (devices, pipes, the
 // names under /dev and /proc) are written directly, since renaming over them would replace the
-// name rather than feed the reader.
+// name rather than feed the reader. A new name is written as an unnamed file in its folder
+// where the file system has them, linked under the name at Commit, so that a killed run leaves
+// nothing at all.
 //
 // A temporary file is written by a thread of its own once its first full buffer goes out, so
 // that the kernel's copying overlaps the making of the next bytes; smaller outputs never start
@@ -85,6 +87,8 @@ class OutputFile {
 
   bool OpenTarget(OutputMode mode);
   bool OpenTemporary(const std::string& target);
+  bool OpenUnnamed(const std::string& target);
+  bool LinkUnnamed();
   bool OpenDirect(const std::string& target, int flags);
   void Flush();
   void WriteOut(std::string_view bytes);
@@ -100,7 +104,8 @@ class OutputFile {
 
   std::string name_;       // as the user gave it: the messages show it
   std::string target_;     // the file renamed over (links resolved)
-  std::string temporary_;  // the file written, for Kind::kTemporary
+  std::string temporary_;  // the file written, for Kind::kTemporary (empty: unnamed)
+  bool unnamed_ = false;
   Kind kind_ = Kind::kClosed;
   int fd_ = -1;
   int error_ = 0;

@@ -118,6 +118,47 @@ TEST(BackgroundWriter, FailureDropsTheRestAndIsReportedOnce) {
   ::close(fd);
 }
 
+// A new name is written unnamed: a process killed outright leaves nothing behind; a name that
+// someone else makes meanwhile is replaced whole; the umask sets the new file's permissions, as
+// it does for any file created; and a bare name lands in the working folder.
+TEST(OutputFile, NewNamesAppearWholeOrNotAtAll) {
+  test::ScratchDir dir;
+  const std::string path = dir.Path("new.txt");
+  const pid_t pid = ::fork();
+  if (pid == 0) {
+    static OutputFile file;
+    file.Open(path);
+    file.Write(std::string(3 << 20, 'x'));
+    std::raise(SIGKILL);
+  }
+  int status = 0;
+  ::waitpid(pid, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(dir.Entries(), 0);
+
+  const mode_t mask = ::umask(027);
+  OutputFile file;
+  ASSERT_TRUE(file.Open(path));
+  file.Write("ours\n");
+  dir.Write("new.txt", "theirs, made meanwhile\n");
+  ASSERT_TRUE(file.Commit());
+  ::umask(mask);
+  EXPECT_EQ(test::ReadFile(path), "ours\n");
+  EXPECT_EQ(dir.Entries(), 1);
+  ASSERT_TRUE(WriteFile(dir.Path("fresh.txt"), "fresh\n"));
+  struct stat fresh {};
+  ::stat(dir.Path("fresh.txt").c_str(), &fresh);
+  EXPECT_EQ(fresh.st_mode & 0777, 0666u & ~mask);
+
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(dir.Path(""));
+  const bool bare = WriteFile("bare.txt", "bare\n");
+  std::filesystem::current_path(before);
+  EXPECT_TRUE(bare);
+  EXPECT_EQ(test::ReadFile(dir.Path("bare.txt")), "bare\n");
+  EXPECT_EQ(dir.Entries(), 3);
+}
+
 // The temporary file goes when a termination signal ends the process before it is in place.
 TEST(OutputFile, TemporaryGoesWithTheProcess) {
   test::ScratchDir dir;
