@@ -24,10 +24,10 @@ class JoinInput {
   bool Open(const std::string& name) { return source_.Open(name); }
 
   // One reading: every record to the joiner. False after a reading message.
-  bool JoinInto(RecordJoiner& joiner) {
+  bool JoinInto(RecordJoiner& joiner, Reading reading) {
     records_ = 0;
     JoiningSink sink{joiner, records_};
-    return source_.Read(sink);
+    return source_.Read(sink, reading);
   }
 
   std::size_t Records() const { return records_; }
@@ -111,11 +111,11 @@ std::string JoinReport(std::size_t records, const RecordJoiner& joiner, std::uin
 
 // One reading of the input joined into `text`, written or only counted; false after a reading
 // message.
-bool JoinText(JoinInput& input, const JoinOptions& options, JoinedText& text,
-              RecordJoiner& joiner) {
+bool JoinText(JoinInput& input, const JoinOptions& options, JoinedText& text, RecordJoiner& joiner,
+              Reading reading) {
   if (options.maxN >= 0) text.TrimRuns(static_cast<std::size_t>(options.maxN));
   joiner.AddOutput(text);
-  const bool read = input.JoinInto(joiner);
+  const bool read = input.JoinInto(joiner, reading);
   text.Finish();
   return read;
 }
@@ -137,8 +137,8 @@ bool CountAndReport(JoinInput& input, const JoinOptions& options) {
   RecordJoiner joiner(options.filler, options.Minimum());
   JoinedText counted;
   if (options.maxN >= 0) {
-    if (!JoinText(input, options, counted, joiner)) return false;
-  } else if (!input.JoinInto(joiner)) {
+    if (!JoinText(input, options, counted, joiner, Reading::kAgain)) return false;
+  } else if (!input.JoinInto(joiner, Reading::kAgain)) {
     return false;
   }
   const std::uint64_t length = options.maxN >= 0 ? counted.Size() : joiner.Length();
@@ -165,7 +165,7 @@ bool SSeq::CleanJoin(Param& param, std::size_t blockSize) {
       out.Open(options.output, OutputMode::kReplace, OpenFailure::kQuiet)) {
     JoinedText text(&out);
     RecordJoiner joiner(options.filler, options.Minimum());
-    if (!JoinText(input, options, text, joiner) ||
+    if (!JoinText(input, options, text, joiner, Reading::kLast) ||
         !WriteReport(options, input.Records(), joiner, text.Size())) {
       return false;
     }
@@ -174,7 +174,7 @@ bool SSeq::CleanJoin(Param& param, std::size_t blockSize) {
   if (!CountAndReport(input, options) || !out.Open(options.output)) return false;
   JoinedText text(&out);
   RecordJoiner joiner(options.filler, options.Minimum());
-  if (!JoinText(input, options, text, joiner)) return false;
+  if (!JoinText(input, options, text, joiner, Reading::kLast)) return false;
   if (options.output.empty()) out.Write("\n");
   return out.Commit();
 }
@@ -210,7 +210,7 @@ bool WriteMasked(JoinInput& input, OutputFile& file, std::string_view filler,
   JoinedText masked(&file);
   RecordJoiner joiner(filler, minimum);
   joiner.AddOutput(masked, true);
-  const bool read = input.JoinInto(joiner);
+  const bool read = input.JoinInto(joiner, Reading::kLast);
   masked.Finish();
   return read && file.Commit();
 }
@@ -227,7 +227,7 @@ bool OpenOutputs(JoinInput& input, const CleanOptions& options, OutputFile& clea
     return true;
   }
   RecordJoiner counter(options.filler, static_cast<std::int32_t>(options.minContig));
-  if (!input.JoinInto(counter) || !cleanFile.Open(options.outClean)) return false;
+  if (!input.JoinInto(counter, Reading::kAgain) || !cleanFile.Open(options.outClean)) return false;
   return !onePass || maskedFile.Open(options.outMasked);
 }
 
@@ -261,7 +261,7 @@ bool SSeq::Clean(Param& param, std::size_t blockSize) {
   RecordJoiner joiner(options.filler, minimum);
   joiner.AddOutput(clean);
   if (onePass) joiner.AddOutput(masked, true);
-  const bool read = input.JoinInto(joiner);
+  const bool read = input.JoinInto(joiner, onePass ? Reading::kLast : Reading::kAgain);
   clean.Finish();
   masked.Finish();
   if (!read || !cleanFile.Commit()) return false;

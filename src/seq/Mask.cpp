@@ -204,7 +204,9 @@ bool SSeq::Mask(Param& param, std::size_t blockSize) {
   const bool streamed = OutputFile::ReplacesWhole(options.out) &&
                         file.Open(options.out, OutputMode::kReplace, OpenFailure::kQuiet);
   MaskingSink sink(streamed ? &file : nullptr, ranges);
-  if (!input.Read(sink) || sink.Records() != 1) return false;
+  if (!input.Read(sink, streamed ? Reading::kLast : Reading::kAgain) || sink.Records() != 1) {
+    return false;
+  }
   if (!intervalsRead) {
     PrintError({" : error, opening file ", options.intervals});
     return false;
@@ -217,7 +219,7 @@ bool SSeq::Mask(Param& param, std::size_t blockSize) {
       return false;
     }
     MaskingSink writer(&file, ranges);
-    if (!input.Read(writer)) return false;
+    if (!input.Read(writer, Reading::kLast)) return false;
   }
   return file.Commit();
 }

@@ -286,7 +286,7 @@ bool SSeq::Split(Param& param, std::size_t blockSize) {
   NoSink check;
   if (input.Compressed() && !input.Read(check)) return false;
   SplittingSink sink(options, table);
-  if (!input.Read(sink)) return false;
+  if (!input.Read(sink, Reading::kLast)) return false;
   if (sink.Stopped()) return false;
   if (sink.Records() == 0) {
     PrintError({"error: no sequence to split"});

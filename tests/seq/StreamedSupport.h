@@ -4,8 +4,16 @@
 // For the tests of the commands that read their FASTA input block by block and write as they go:
 // a way to run them with a small block, plain computations of their results on the whole text,
 // and random inputs.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <map>
+#include <thread>
 
 #include "TestSupport.h"
 #include "seq/FastaBlocks.h"
@@ -22,6 +30,61 @@ test::Outcome RunBlocks(bool (Object::*handler)(Param&, std::size_t), std::size_
   Object object;
   return test::Capture([&] { return (object.*handler)(param, blockSize); });
 }
+
+// The input of one run under the given name: a file, or a named pipe that a thread feeds, which
+// the command can read only once, as it reads a pipe from the shell.
+class Input {
+ public:
+  Input(const test::ScratchDir& dir, const std::string& name, std::string content, bool piped)
+      : path_(dir.Path(name)) {
+    if (!piped) {
+      dir.Write(name, content);
+      return;
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+    ::mkfifo(path_.c_str(), 0600);
+    writer_ = std::thread([this, content = std::move(content)] { Feed(content); });
+  }
+  // A command that failed before it opened the pipe, or stopped reading, leaves the rest here.
+  ~Input() {
+    if (!writer_.joinable()) return;
+    stop_ = true;
+    const int fd = ::open(path_.c_str(), O_RDONLY | O_NONBLOCK);
+    if (fd >= 0) {
+      ::fcntl(fd, F_SETFL, 0);
+      char rest[4096];
+      while (::read(fd, rest, sizeof rest) > 0) {
+      }
+      ::close(fd);
+    }
+    writer_.join();
+  }
+  Input(const Input&) = delete;
+  Input& operator=(const Input&) = delete;
+
+  const std::string& Path() const { return path_; }
+
+ private:
+  // Opened without blocking, so that a reader that never comes cannot hold the thread.
+  void Feed(std::string_view rest) {
+    int fd = -1;
+    while ((fd = ::open(path_.c_str(), O_WRONLY | O_NONBLOCK)) < 0 && !stop_) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    if (fd < 0) return;
+    ::fcntl(fd, F_SETFL, 0);
+    while (!rest.empty()) {
+      const ssize_t done = ::write(fd, rest.data(), rest.size());
+      if (done <= 0) break;
+      rest.remove_prefix(static_cast<std::size_t>(done));
+    }
+    ::close(fd);
+  }
+
+  std::string path_;
+  std::atomic<bool> stop_{false};
+  std::thread writer_;
+};
 
 // ---- The plain computations, on the whole text ----
 
