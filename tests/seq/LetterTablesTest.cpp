@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <random>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "common/Param.h"
+#include "seq/LetterChunks.h"
 
 namespace genetrain {
 namespace {
@@ -63,6 +65,51 @@ TEST(CodonFlags, EachNamesTheCodonItSpells) {
     const bool stop = spelled.starts_with("TA") || spelled == "TGA";
     EXPECT_EQ(stops, stop ? CodonSet{Index(spelled)} : CodonSet{}) << spelled;
     EXPECT_EQ(starts, stop ? CodonSet{} : CodonSet{Index(spelled)}) << spelled;
+  }
+}
+
+}  // namespace
+}  // namespace genetrain
+
+namespace genetrain {
+namespace {
+
+// The line copy of CopyLetters (plain lines taken whole, several at a time, others through the
+// table) against the table applied byte by byte, on lines of shifting widths with now and then a
+// byte that is not a capital base, a carriage return or no final line feed.
+TEST(CopyLetters, EqualsTheTableByteByByte) {
+  std::mt19937 random(5);
+  const std::string odd = "acgtRYn \r\t*-0>";
+  for (const LetterTable* table : {&UpperLetterTable(), &CasePreservingLetterTable()}) {
+    for (int round = 0; round < 300; ++round) {
+      std::string raw;
+      std::size_t width = 1 + random() % 130;
+      for (int line = 0, lines = static_cast<int>(random() % 40); line < lines; ++line) {
+        // Short widths now and then, so that another line's feed may fall where a base should.
+        if (random() % 4 == 0) width = random() % 2 == 0 ? random() % 6 : random() % 300;
+        for (std::size_t i = 0; i < width; ++i) {
+          raw.push_back(random() % 50 == 0 ? odd[random() % odd.size()] : "ACGTN"[random() % 5]);
+        }
+        if (line + 1 < lines || random() % 2 == 0) raw.push_back('\n');
+      }
+      std::string expected;
+      SSeq::Tally expectedTally;
+      for (const char byte : raw) {
+        if (const char letter = (*table)[static_cast<unsigned char>(byte)]) {
+          expected.push_back(letter);
+        }
+      }
+      expectedTally.Add(SSeq::TallyLetters(expected));
+      std::string out(raw.size(), '\0');
+      SSeq::Tally tally;
+      out.resize(CopyLetters(raw, *table, out.data(), &tally));
+      ASSERT_EQ(out, expected) << raw;
+      EXPECT_EQ(tally.a, expectedTally.a);
+      EXPECT_EQ(tally.c, expectedTally.c);
+      EXPECT_EQ(tally.g, expectedTally.g);
+      EXPECT_EQ(tally.t, expectedTally.t);
+      ASSERT_EQ(tally.n, expectedTally.n) << raw;
+    }
   }
 }
 
