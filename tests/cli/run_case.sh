@@ -39,10 +39,12 @@ file_limit=unlimited
 if [ -e "$case_dir/ulimit-f" ]; then file_limit=$(cat "$case_dir/ulimit-f"); fi
 stdin_file=/dev/null
 if [ -e "$case_dir/stdin" ]; then stdin_file=$case_dir/stdin; fi
+env_settings=()
+if [ -e "$case_dir/env" ]; then mapfile -t env_settings < "$case_dir/env"; fi
 
 # Standard input arrives through a pipe, as in a pipeline; a hang is cut after a minute.
 cat "$stdin_file" | (cd "$work" && ulimit -v "$limit" && ulimit -f "$file_limit" && trap '' XFSZ &&
-  exec timeout -s KILL 60 "$bin" "${args[@]}") \
+  exec env "${env_settings[@]}" timeout -s KILL 60 "$bin" "${args[@]}") \
   > "$result/stdout" 2> "$result/stderr"
 status=$?
 
