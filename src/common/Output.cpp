@@ -40,8 +40,8 @@ void WriteStdout(std::string_view text) {
 
 namespace {
 
-// Small pieces are gathered up to this size; a piece of a quarter of it or more goes straight
-// out, which spares the copy for the 1 MB slices of the streaming commands.
+// Pieces are gathered up to this size. Written directly, a piece of a quarter of it or more goes
+// straight out, sparing the copy.
 constexpr std::size_t kBuffer = std::size_t{1} << 20;
 constexpr std::size_t kStraight = kBuffer / 4;
 
@@ -289,16 +289,6 @@ void OutputFile::Write(std::string_view bytes) {
   }
   if (buffer_.size() + bytes.size() > kBuffer) Flush();
   buffer_.append(bytes);
-}
-
-void OutputFile::Give(std::string& bytes) {
-  if (kind_ != Kind::kTemporary || bytes.size() < kStraight || error_ != 0) {
-    Write(bytes);
-    bytes.clear();
-    return;
-  }
-  if (!buffer_.empty()) HandOver(buffer_);
-  HandOver(bytes);
 }
 
 void OutputFile::HandOver(std::string& bytes) {

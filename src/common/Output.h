@@ -68,9 +68,6 @@ class OutputFile {
   // Buffered: small pieces are gathered, large ones go straight out. After a failure the bytes
   // are dropped, and Commit reports it.
   void Write(std::string_view bytes);
-  // Write for a buffer the caller refills: its bytes may be taken over without a copy. `bytes`
-  // comes back empty, possibly with the capacity of an earlier buffer.
-  void Give(std::string& bytes);
   // Puts the output in place. False (the message printed) when anything failed since Open; the
   // target is then as it was (but for direct targets, which have no old state to keep).
   bool Commit();

@@ -7,8 +7,6 @@ namespace genetrain {
 
 namespace {
 
-constexpr std::size_t kSlice = std::size_t{1} << 20;
-
 // The end of the run of N that starts at `pos`.
 std::size_t RunEnd(std::string_view text, std::size_t pos) {
   while (pos < text.size() && text[pos] == 'N') ++pos;
@@ -51,7 +49,6 @@ void JoinedText::Put(std::string_view text) {
 
 void JoinedText::Finish() {
   if (edit_ == RunEdit::kFlank) EndFlankedRun();
-  Flush();
 }
 
 // All N look alike: keeping the first `maximum_` of a run gives what keeping its last ones does.
@@ -103,31 +100,16 @@ void JoinedText::EndFlankedRun() {
 
 void JoinedText::Emit(std::string_view bytes) {
   size_ += bytes.size();
-  if (output_ == nullptr) return;
-  while (!bytes.empty()) {
-    if (slice_.size() == kSlice) Flush();
-    if (slice_.capacity() < kSlice) slice_.reserve(kSlice);
-    const std::size_t part = std::min(bytes.size(), kSlice - slice_.size());
-    slice_.append(bytes.substr(0, part));
-    bytes.remove_prefix(part);
-  }
+  if (output_ != nullptr) output_->Write(bytes);
 }
 
 void JoinedText::EmitN(std::uint64_t count) {
   size_ += count;
   if (output_ == nullptr) return;
-  while (count > 0) {
-    if (slice_.size() == kSlice) Flush();
-    if (slice_.capacity() < kSlice) slice_.reserve(kSlice);
-    const std::size_t part = std::min<std::uint64_t>(count, kSlice - slice_.size());
-    slice_.append(part, 'N');
-    count -= part;
+  static const std::string kRun(std::size_t{64} << 10, 'N');
+  for (; count > 0; count -= std::min<std::uint64_t>(count, kRun.size())) {
+    output_->Write(std::string_view(kRun).substr(0, std::min<std::uint64_t>(count, kRun.size())));
   }
-}
-
-void JoinedText::Flush() {
-  if (output_ != nullptr && !slice_.empty()) output_->Give(slice_);
-  slice_.clear();
 }
 
 }  // namespace genetrain

@@ -11,8 +11,8 @@ namespace genetrain {
 
 // The joined text of --clean_join and --clean on its way out. The text arrives in pieces of any
 // size; runs of N can be edited across the pieces' boundaries (trimmed, or given flanking
-// texts); what comes out goes to an output file in slices of 1 MB, or is only counted. So a joined
-// text of any length is written without ever being held whole.
+// texts); what comes out goes straight on to an output file, which gathers it, or is only
+// counted. So a joined text of any length is written without ever being held whole.
 class JoinedText {
  public:
   // Only counted.
@@ -29,7 +29,7 @@ class JoinedText {
   void FlankRuns(std::string_view left, std::string_view right);
 
   void Put(std::string_view text);
-  // Ends the last run and hands out what is still held: call once, after the last piece.
+  // Ends the last run and hands out what is still held back: call once, after the last piece.
   void Finish();
   // The bytes handed out (all of them, after Finish).
   std::uint64_t Size() const { return size_; }
@@ -42,10 +42,8 @@ class JoinedText {
   void EndFlankedRun();
   void Emit(std::string_view bytes);
   void EmitN(std::uint64_t count);
-  void Flush();
 
   OutputFile* output_ = nullptr;
-  std::string slice_;
   RunEdit edit_ = RunEdit::kNone;
   std::size_t maximum_ = 0;
   std::string left_;

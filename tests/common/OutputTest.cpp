@@ -43,8 +43,8 @@ TEST(OutputFile, ReplacesWholeOnCommitOnlyKeepingPermissionsAndLinks) {
   EXPECT_EQ(dir.Entries(), 2);
 }
 
-// Pieces of every size around the buffer's limits arrive in order, written or given, through
-// the gathering buffer and the writing thread: against one plain string.
+// Pieces of every size around the buffer's limits arrive in order, through the gathering buffer
+// and the writing thread: against one plain string.
 TEST(OutputFile, PiecesOfAnySizeArriveInOrder) {
   test::ScratchDir dir;
   std::mt19937 random(13);
@@ -52,17 +52,10 @@ TEST(OutputFile, PiecesOfAnySizeArriveInOrder) {
   std::string expected;
   OutputFile file;
   ASSERT_TRUE(file.Open(dir.Path("out")));
-  std::string given;
   for (int i = 0; i < 60; ++i) {
     std::string piece(i % 3 == 0 ? size(random) : size(random) % 200, 'a' + (i % 26));
     expected += piece;
-    if (i % 2 == 0) {
-      file.Write(piece);
-    } else {
-      given.assign(piece);
-      file.Give(given);
-      EXPECT_TRUE(given.empty());
-    }
+    file.Write(piece);
   }
   EXPECT_EQ(test::ReadFile(dir.Path("out")), "");  // nothing in place before Commit
   ASSERT_TRUE(file.Commit());
@@ -83,11 +76,7 @@ TEST(OutputFile, FailureOnTheWritingThreadFailsCommit) {
     ::open(dir.Path("stderr.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     OutputFile file;
     file.Open(path);
-    std::string slice;
-    for (int i = 0; i < 12; ++i) {
-      slice.assign(1 << 20, 'x');
-      file.Give(slice);
-    }
+    for (int i = 0; i < 12; ++i) file.Write(std::string(1 << 20, 'x'));
     ::_exit(file.Commit() ? 1 : 0);
   }
   int status = 0;
